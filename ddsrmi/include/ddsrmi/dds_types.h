@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef DDSRMI_DDS_TYPES_H
+#define DDSRMI_DDS_TYPES_H
+
+namespace DDS {
+
+typedef unsigned char Boolean;
+typedef char Char;
+typedef unsigned char Octet;
+typedef short Short;
+typedef unsigned short UShort;
+typedef int Long;
+typedef unsigned int ULong;
+typedef long long LongLong;
+typedef unsigned long long ULongLong;
+typedef float Float;
+typedef double Double;
+
+/// A NUL-terminated text. Who is given one by value in a remote call owns it: the RMI layer frees every
+/// in-argument of a proxy call (also when the call throws) and every text that an implementation returns, with
+/// string_free. The in-arguments that an implementation receives, and the result that a reply hook receives,
+/// stay the RMI layer's and are valid until the function returns.
+typedef char* String;
+
+/// Room for a text of `length` characters and its NUL, made with `new[]`; the first character is NUL.
+String string_alloc(ULong length);
+/// A copy made with `new[]`; null for null.
+String string_dup(const char* text);
+/// Frees with `delete[]`; null is ignored.
+void string_free(String text);
+
+/// Hands one arrived reply to CAsyncReplyHandler::handleReply. It is valid during that call only.
+class ReadCondition {
+public:
+    explicit ReadCondition(const void* sample);
+    virtual ~ReadCondition();
+    ReadCondition(const ReadCondition&) = delete;
+    ReadCondition& operator=(const ReadCondition&) = delete;
+
+    /// The decoded reply structure of the operation's reply topic.
+    const void* sample() const { return m_sample; }
+
+private:
+    const void* m_sample;
+};
+
+/// The condition under which one request's reply is looked for.
+class QueryCondition : public ReadCondition {
+public:
+    QueryCondition();
+    ~QueryCondition() override;
+};
+
+} // namespace DDS
+
+#endif

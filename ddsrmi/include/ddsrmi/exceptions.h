@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef DDSRMI_EXCEPTIONS_H
+#define DDSRMI_EXCEPTIONS_H
+
+#include <exception>
+#include <string>
+
+namespace org {
+namespace opensplice {
+namespace DDS_RMI {
+
+/// Base of what the RMI layer throws.
+class SystemException : public virtual std::exception {
+public:
+    explicit SystemException(const std::string& message = "RMI system exception", int code = 0);
+    ~SystemException() noexcept override;
+    const char* what() const noexcept override;
+
+    std::string m_Msg;
+    /// The DDS return code behind the failure; 0 where there is none.
+    int dds_code;
+};
+
+/// A reply did not come in time, or a request could not be handed over within the blocking time.
+class TIMEOUT : public virtual SystemException {
+public:
+    TIMEOUT();
+    explicit TIMEOUT(const std::string& message);
+    ~TIMEOUT() noexcept override;
+};
+
+/// A caller's error, such as a reply handler that is still in use.
+class BAD_PARAM : public virtual SystemException {
+public:
+    explicit BAD_PARAM(const char* message);
+    ~BAD_PARAM() noexcept override;
+};
+
+class INTERNAL_ERROR : public virtual SystemException {
+public:
+    explicit INTERNAL_ERROR(const char* message, int code = 0);
+    ~INTERNAL_ERROR() noexcept override;
+};
+
+/// No such service is there.
+class SERVICE_NOT_FOUND : public virtual SystemException {
+public:
+    SERVICE_NOT_FOUND();
+    explicit SERVICE_NOT_FOUND(const std::string& message);
+    ~SERVICE_NOT_FOUND() noexcept override;
+};
+
+/// An operation that the object's state does not allow, such as a call after the runtime was stopped.
+class BAD_INV_ORDER : public virtual SystemException {
+public:
+    explicit BAD_INV_ORDER(const char* message);
+    ~BAD_INV_ORDER() noexcept override;
+};
+
+} // namespace DDS_RMI
+} // namespace opensplice
+} // namespace org
+
+#endif

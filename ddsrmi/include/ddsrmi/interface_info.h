@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef DDSRMI_INTERFACE_INFO_H
+#define DDSRMI_INTERFACE_INFO_H
+
+#include <cstddef>
+
+#include "ddsrmi/dds_types.h"
+
+struct dds_topic_descriptor;
+
+namespace org {
+namespace opensplice {
+namespace DDS_RMI {
+
+class CInterfaceProxy;
+struct ProxySeed;
+
+/// One operation of an interface and the two topics that carry it. The sample structures of both topics begin
+/// with a DDS_RMI_Request_Header.
+struct OperationInfo {
+    const char* name;
+    const char* request_topic;
+    const dds_topic_descriptor* request_type;
+    const char* reply_topic;
+    const dds_topic_descriptor* reply_type;
+};
+
+/// What the code generator knows of an interface. All of it is static data of the interface library.
+struct InterfaceInfo {
+    /// The interface's scoped name, e.g. "M::I".
+    const char* server_class;
+    const OperationInfo* operations;
+    std::size_t operation_count;
+};
+
+/// Makes the interface's proxy for a connection that the registry has established.
+typedef CInterfaceProxy* (*ProxyFactory)(const ProxySeed& seed);
+
+/// Makes an interface's proxies known to the lookup for as long as it lives. Objects for the same interface
+/// may overlap; the newest counts.
+class ProxyRegistration {
+public:
+    ProxyRegistration(const InterfaceInfo& interface_info, ProxyFactory factory);
+    ~ProxyRegistration();
+    ProxyRegistration(const ProxyRegistration&) = delete;
+    ProxyRegistration& operator=(const ProxyRegistration&) = delete;
+
+private:
+    const InterfaceInfo& m_interface;
+    ProxyFactory m_factory;
+};
+
+/// Frees a text argument that a generated proxy operation was given, whichever way the operation ends.
+class OwnedString {
+public:
+    explicit OwnedString(DDS::String text) : m_text(text) {}
+    ~OwnedString() { DDS::string_free(m_text); }
+    OwnedString(const OwnedString&) = delete;
+    OwnedString& operator=(const OwnedString&) = delete;
+
+    DDS::String get() const { return m_text; }
+
+private:
+    DDS::String m_text;
+};
+
+} // namespace DDS_RMI
+} // namespace opensplice
+} // namespace org
+
+#endif

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef DDSRMI_INTERFACE_PROXY_H
+#define DDSRMI_INTERFACE_PROXY_H
+
+#include <memory>
+
+#include "ddsrmi/async_reply_handler.h"
+#include "ddsrmi/interface_info.h"
+#include "ddsrmi/ref_counted.h"
+#include "ddsrmi/shared_ptr.h"
+
+namespace org {
+namespace opensplice {
+namespace DDS_RMI {
+
+class RequestChannel;
+
+/// A client's connection to one service. Generated proxies derive from it.
+///
+/// Any number of threads may call operations at the same time. Reply hooks run one after the other on a
+/// thread of the proxy's own. When the last handle is dropped, outstanding requests are given up and, once
+/// that has returned, no reply hook of the proxy is running (but the one that dropped it) or will run.
+///
+/// A call throws SERVICE_NOT_FOUND at once when no server is there, TIMEOUT when the server's queues stay full
+/// for the blocking time, BAD_INV_ORDER when the runtime has been stopped.
+class CInterfaceProxy : public virtual RefCounted {
+public:
+    ~CInterfaceProxy() override;
+
+    /// How long, in milliseconds, the reply of a request that is made from now on is waited for; then the
+    /// request is given up, its handler released and one line written to standard error. 600,000 unless set.
+    void setTimeout(unsigned milliseconds);
+    unsigned getTimeout() const;
+
+protected:
+    explicit CInterfaceProxy(const ProxySeed& seed);
+
+    /// Sends `request` (a sample of the operation's request topic; its header is filled in here) and returns.
+    /// Takes a reference to `handler` until its reply has been delivered or the request given up.
+    void send_request(std::size_t operation, void* request, CAsyncReplyHandlerImpl* handler);
+
+    /// The same, and waits until `handler` has received the reply. Throws TIMEOUT when none comes in time,
+    /// BAD_INV_ORDER on the thread that delivers this proxy's replies.
+    void send_request_and_wait(std::size_t operation, void* request, const shared_ptr<CAsyncReplyHandlerImpl>& handler);
+
+private:
+    std::shared_ptr<RequestChannel> m_channel;
+};
+
+typedef shared_ptr<CInterfaceProxy> CInterfaceProxy_ref;
+
+} // namespace DDS_RMI
+} // namespace opensplice
+} // namespace org
+
+#endif

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef DDSRMI_REF_COUNTED_H
+#define DDSRMI_REF_COUNTED_H
+
+namespace org {
+namespace opensplice {
+namespace DDS_RMI {
+
+/// A mutex whose operations return 0 on success, an errno value otherwise.
+class SDKMutex {
+public:
+    virtual ~SDKMutex();
+    virtual int initialize() = 0;
+    virtual int lock() = 0;
+    virtual int unlock() = 0;
+};
+
+class SDKMutexFactory {
+public:
+    /// A new, initialised mutex, which the caller deletes. Throws INTERNAL_ERROR when there is none to be had.
+    static SDKMutex* createSDKMutex();
+};
+
+/// Base of everything that is held by shared_ptr: a count, guarded by a mutex of its own. Derive virtually.
+class RefCounted {
+public:
+    /// Starts with the count 0.
+    RefCounted();
+    virtual ~RefCounted();
+    RefCounted(const RefCounted&) = delete;
+    RefCounted& operator=(const RefCounted&) = delete;
+
+    void inc_refcount();
+    /// Deletes the object when the count reaches 0.
+    void dec_refcount();
+
+private:
+    SDKMutex* m_mutex;
+    int m_refcount; // guarded by *m_mutex
+};
+
+} // namespace DDS_RMI
+} // namespace opensplice
+} // namespace org
+
+#endif
