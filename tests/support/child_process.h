@@ -18,12 +18,13 @@ constexpr std::chrono::seconds event_deadline{60};
 
 /// A program that a test starts, whose standard output and standard error are collected while it runs. The
 /// destructor kills it (SIGKILL) and reaps it if it is still there.
-class ChildProcess {
+class ChildProcess
+{
 public:
     using Environment = std::map<std::string, std::string>;
 
-    /// Starts `command` (a path, then its arguments) with this process's environment and `environment` on top.
-    /// It dies with this process. Throws std::system_error when it cannot be started.
+    /// Starts `command` (a path, then its arguments) with this process's environment and `environment` on
+    /// top. It dies with this process. Throws std::system_error when it cannot be started.
     ///
     /// When the build is for another architecture, `command` runs under its emulator like the test itself.
     explicit ChildProcess(const std::vector<std::string>& command, const Environment& environment = {});
@@ -36,9 +37,10 @@ public:
     void signal(int number) const;
 
     /// Waits until a line of standard output (or standard error) that no earlier call has returned contains
-    /// `text`, and returns it without its end; lines before it are passed over. Nothing when the deadline passes
-    /// or the stream ends first.
-    std::optional<std::string> wait_for_line(const std::string& text, std::chrono::milliseconds deadline = event_deadline);
+    /// `text`, and returns it without its end; lines before it are passed over. Nothing when the deadline
+    /// passes or the stream ends first.
+    std::optional<std::string> wait_for_line(const std::string& text,
+                                             std::chrono::milliseconds deadline = event_deadline);
     std::optional<std::string> wait_for_error_line(const std::string& text,
                                                    std::chrono::milliseconds deadline = event_deadline);
 

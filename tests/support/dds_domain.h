@@ -8,7 +8,8 @@ namespace test_support {
 
 /// A DDS domain that no other test uses while this object lives (a lock file in the temporary folder reserves
 /// its number), on the loopback interface, without multicast.
-class DdsDomain {
+class DdsDomain
+{
 public:
     /// Reserves a domain and sets CYCLONEDDS_URI of this process, and so of its children, to it.
     DdsDomain();

@@ -8,7 +8,8 @@
 namespace test_support {
 
 /// A folder of the test's own, removed with all that is in it.
-class TemporaryFolder {
+class TemporaryFolder
+{
 public:
     TemporaryFolder();
     ~TemporaryFolder();
