@@ -13,7 +13,8 @@ namespace api {
 /// and hands them to KX_RPCHandler::AddMethod, which owns them from then on.
 ///
 /// The host may call every operation from any of its threads, and from several at once.
-class CallbackMethod {
+class CallbackMethod
+{
 public:
     virtual ~CallbackMethod();
 

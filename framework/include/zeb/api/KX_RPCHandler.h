@@ -2,6 +2,7 @@
 #ifndef ZEB_API_KX_RPCHANDLER_H
 #define ZEB_API_KX_RPCHANDLER_H
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ class CallbackMethod;
 ///
 /// The table is filled while the handler is constructed and only read afterwards, so any number of threads
 /// may look methods up in a finished handler without a lock.
-class KX_RPCHandler {
+class KX_RPCHandler
+{
 public:
     KX_RPCHandler();
     /// Deletes the methods, last added first.
@@ -28,7 +30,8 @@ public:
     virtual bool isBound();
 
     /// Takes ownership of `method`, also when it throws. A method whose name is taken already is refused: the
-    /// first stays, the second is deleted and one line on standard error says so. A null pointer is ignored.
+    /// first stays, the second is deleted and one line on standard error says so. A null pointer, and a
+    /// method that is in the table already, are ignored.
     void AddMethod(CallbackMethod* method);
 
     /// The method of that name, or null. It belongs to the handler.
@@ -38,7 +41,10 @@ public:
     const std::vector<CallbackMethod*>& GetMethods() const;
 
 private:
+    bool contains(const CallbackMethod* method) const;
+
     std::vector<CallbackMethod*> m_methods;
+    std::map<std::string, CallbackMethod*> m_methodsByName;
 };
 
 } // namespace api

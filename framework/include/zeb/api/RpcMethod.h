@@ -15,7 +15,8 @@ namespace api {
 /// The owner is not owned: it must live for as long as the method may be called. The method object has no
 /// mutable state, so concurrent calls are as safe as the member function is.
 template <class T>
-class RpcMethod : public CallbackMethod {
+class RpcMethod : public CallbackMethod
+{
 public:
     typedef int (T::*Method)(const data::KX_JSON& in, data::KX_JSON& out);
 
@@ -28,7 +29,8 @@ public:
 
     std::string GetName() const override { return m_name; }
 
-    data::KX_JSON GetDescription() const override { return m_description; }
+    /// A copy with objects of its own, because counted references to shared ones belong to one thread.
+    data::KX_JSON GetDescription() const override { return m_description.deep_copy(); }
 
 private:
     T* m_owner;

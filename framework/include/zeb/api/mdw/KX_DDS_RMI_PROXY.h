@@ -21,7 +21,8 @@ namespace mdw {
 /// Construction blocks for as long as the lookup waits (see setServiceDiscoveryTimeout). A service that is
 /// not there is no error: ask isProxyFound(). Every other failure leaves the constructor as an exception.
 template <class TProxy>
-class KX_DDS_RMI_PROXY : public KX_DDS_RMI_RUNTIME {
+class KX_DDS_RMI_PROXY : public KX_DDS_RMI_RUNTIME
+{
 public:
     explicit KX_DDS_RMI_PROXY(std::string serviceName);
     ~KX_DDS_RMI_PROXY();

@@ -10,7 +10,8 @@ namespace mdw {
 
 /// Holds the DDS RMI runtime that lookups go through. Not thread-safe; one thread constructs, uses and
 /// destroys it.
-class KX_DDS_RMI_RUNTIME {
+class KX_DDS_RMI_RUNTIME
+{
 public:
     KX_DDS_RMI_RUNTIME();
     /// Ends this holder's use of the runtime, which goes on for its other users. startRUNTIME must have been
@@ -21,7 +22,7 @@ public:
 
     /// Starts the default runtime and holds a reference to it afterwards, also when it could not be started
     /// (it then is not usable). With `severalThreads`, proxies found through it may be called from several
-    /// threads.
+    /// threads. To be called once.
     void startRUNTIME(bool severalThreads);
 
     /// Ends this holder's use of the runtime, but keeps the reference. Doing it twice is harmless.
