@@ -1,0 +1,41 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The code generator for interface files: an omniidl back end.
+
+    omniidl -p<folder above this one> -bddsrmi_be -I<folder of dds_rmi.idl> -C<output folder> <stem>.idl
+
+writes, or rewrites, in the output folder
+    <stem>_topics.idl               the topics that carry requests and replies, for idlc
+    <stem>_InterfaceInfo.h/.cpp     what the RMI layer is told of the interfaces
+    <stem>_InterfaceProxy.h/.cpp    for clients: the proxies and the bases of the reply handlers
+    <stem>_Interface.h/.cpp         for servers: the skeletons
+A file that asks for more than the generator supports is refused, with file, line and reason; then nothing is
+written."""
+
+import os
+import sys
+
+from ddsrmi_be import checking, interface_info, model, proxy, skeleton, topics
+
+usage_string = "  (none; the output folder is the current one, or omniidl's -C)"
+
+
+def run(tree, arguments):
+    refusals = checking.refusals(tree)
+    if arguments:
+        refusals.append("ddsrmi_be: unknown argument '%s'; there are none" % arguments[0])
+    if refusals:
+        sys.exit("\n".join(refusals))
+    source = os.path.basename(tree.file())
+    for name, text in _files(source, model.interfaces(tree)):
+        _write(name, text)
+
+
+def _files(source, interfaces):
+    stem = os.path.splitext(source)[0]
+    for part in (topics, interface_info, proxy, skeleton):
+        yield from part.files(source, stem, interfaces)
+
+
+def _write(name, text):
+    with open(name, "w", encoding="ascii") as output:
+        output.write(text)
