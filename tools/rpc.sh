@@ -1,0 +1,13 @@
+# SPDX-License-Identifier: Apache-2.0
+# JSON-RPC requests to the host daemon. To be sourced.
+
+# rpc_request <id> <method> <params or nothing>
+rpc_request() {
+    printf '{"jsonrpc": "2.0", "id": %d, "method": "%s"%s}' "$1" "$2" "${3:+, \"params\": $3}"
+}
+
+# rpc_send <address> <request>: gives the response, or what curl has to say against it.
+rpc_send() {
+    curl --silent --show-error --noproxy '*' --max-time 30 --header 'Content-Type: application/json' \
+        --data "$2" "http://$1/" 2>&1
+}
