@@ -206,7 +206,7 @@ int VarnelInterface::test_node_set_sensor_data(const KX_JSON& in, KX_JSON&)
         m_proxy, "test_node_set_sensor_data", &Proxy::async_test_node_set_sensor_data, node, data);
 }
 
-VarnelRPCHandler::VarnelRPCHandler() : m_interface(), m_proxyHolder("VarnelDE_Server"), m_bound(false)
+VarnelRPCHandler::VarnelRPCHandler() : m_proxyHolder("VarnelDE_Server"), m_bound(false)
 {
     std::cout << "VarnelRPCHandler constructor" << std::endl;
     if (!m_proxyHolder.isProxyFound())

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <random>
 #include <string>
+#include <utility>
 
 #include "zeb/api/mdw/KX_DDS_RMI_RUNTIME.h"
 
@@ -44,7 +45,7 @@ private:
 
 template <class TProxy>
 KX_DDS_RMI_PROXY<TProxy>::KX_DDS_RMI_PROXY(std::string serviceName)
-    : m_serverProxy(), m_proxyFound(false), m_serviceName(serviceName), m_instanceId(1)
+    : m_serverProxy(), m_proxyFound(false), m_serviceName(std::move(serviceName)), m_instanceId(1)
 {
     std::cout << "KX_DDS_RMI_PROXY construct" << std::endl;
     syslog(LOG_INFO, "KX_DDS_RMI_PROXY construct");
