@@ -127,30 +127,29 @@ int VarnelInterface::network_decommission(const KX_JSON&, KX_JSON&)
 
 int VarnelInterface::network_commission(const KX_JSON& in, KX_JSON&)
 {
-    const DDS::String nodes = copiedParameter(in, "mac_addr_list");
     return makeHandlerThenCall<MY_network_commission_handler>(m_proxy, "network_commission",
-                                                              &Proxy::async_network_commission, nodes);
+                                                              &Proxy::async_network_commission,
+                                                              copiedParameter(in, "mac_addr_list"));
 }
 
 int VarnelInterface::network_add_nodes(const KX_JSON& in, KX_JSON&)
 {
-    const DDS::String nodes = copiedParameter(in, "mac_addr_list");
-    return makeHandlerThenCall<MY_network_add_nodes_handler>(m_proxy, "network_add_nodes",
-                                                             &Proxy::async_network_add_nodes, nodes);
+    return makeHandlerThenCall<MY_network_add_nodes_handler>(
+        m_proxy, "network_add_nodes", &Proxy::async_network_add_nodes, copiedParameter(in, "mac_addr_list"));
 }
 
 int VarnelInterface::network_remove_nodes(const KX_JSON& in, KX_JSON&)
 {
-    const DDS::String nodes = copiedParameter(in, "mac_addr_list");
     return makeHandlerThenCall<MY_network_remove_nodes_handler>(m_proxy, "network_remove_nodes",
-                                                                &Proxy::async_network_remove_nodes, nodes);
+                                                                &Proxy::async_network_remove_nodes,
+                                                                copiedParameter(in, "mac_addr_list"));
 }
 
 int VarnelInterface::network_get_nodes_status(const KX_JSON& in, KX_JSON&)
 {
-    const DDS::String nodes = copiedParameter(in, "mac_addr_list");
-    return makeHandlerThenCall<MY_network_get_nodes_status_handler>(
-        m_proxy, "network_get_nodes_status", &Proxy::async_network_get_nodes_status, nodes);
+    return makeHandlerThenCall<MY_network_get_nodes_status_handler>(m_proxy, "network_get_nodes_status",
+                                                                    &Proxy::async_network_get_nodes_status,
+                                                                    copiedParameter(in, "mac_addr_list"));
 }
 
 int VarnelInterface::advertising(const KX_JSON& in, KX_JSON&)
@@ -161,9 +160,8 @@ int VarnelInterface::advertising(const KX_JSON& in, KX_JSON&)
 
 int VarnelInterface::node_get_config(const KX_JSON& in, KX_JSON&)
 {
-    const DDS::String node = copiedParameter(in, "mac_addr");
     return logThenCall<MY_node_get_config_handler>(m_proxy, "node_get_config", &Proxy::async_node_get_config,
-                                                   node);
+                                                   copiedParameter(in, "mac_addr"));
 }
 
 int VarnelInterface::node_set_config(const KX_JSON& in, KX_JSON&)
@@ -185,9 +183,8 @@ int VarnelInterface::node_set_config_revert(const KX_JSON& in, KX_JSON&)
 
 int VarnelInterface::node_get_data(const KX_JSON& in, KX_JSON&)
 {
-    const DDS::String node = copiedParameter(in, "mac_addr");
-    return makeHandlerThenCall<MY_node_get_data_handler>(m_proxy, "node_get_data",
-                                                         &Proxy::async_node_get_data, node);
+    return makeHandlerThenCall<MY_node_get_data_handler>(
+        m_proxy, "node_get_data", &Proxy::async_node_get_data, copiedParameter(in, "mac_addr"));
 }
 
 int VarnelInterface::test_node_create(const KX_JSON& in, KX_JSON&)
