@@ -3,16 +3,17 @@
 
 from omniidl import idlast
 
-from ddsrmi_be import basic_types, model, reserved_names
-
-# DDS carries the name of a topic in a field of 256 bytes, its end included.
-_LONGEST_TOPIC = 255
+from ddsrmi_be import basic_types, clashes, model, reserved_names
 
 _KINDS = {
     idlast.Const: "constant",
     idlast.Exception: "exception",
     idlast.StructForward: "struct",
     idlast.UnionForward: "union",
+    idlast.Value: "valuetype",
+    idlast.ValueAbs: "valuetype",
+    idlast.ValueBox: "valuetype",
+    idlast.ValueForward: "valuetype",
 }
 
 # What carries no code of its own. The types behind typedefs are looked at where they are used.
@@ -24,7 +25,7 @@ def refusals(tree):
     found = [refusal for declaration in model.declarations(tree) for refusal in _declaration(declaration)]
     interfaces = model.interface_declarations(tree)
     if not found:
-        found = list(_clashes(interfaces))
+        found = list(clashes.refusals(interfaces))
     if not interfaces and not found:
         found = [(1, "the file declares no interface")]
     return ["%s:%d: %s" % (tree.file(), line, reason) for line, reason in sorted(found, key=lambda entry: entry[0])]
@@ -112,65 +113,3 @@ def _type(line, what, idl_type):
     if basic_types.of(idl_type) is None:
         reason = "%s is %s; only basic types and unbounded strings are supported"
         yield line, reason % (what, basic_types.description(idl_type))
-
-
-def _clashes(declarations):
-    """Two things that would get the same name, and names that would be too long."""
-    owners = {}
-    for declaration in declarations:
-        interface = model.interface(declaration)
-        for line, name, owner in _generated_names(declaration, interface):
-            if owners.setdefault(name, owner) != owner:
-                yield line, "%s would both be given the name '%s'" % (_both(owners[name], owner), name)
-        yield from _long_topics(declaration, interface)
-    for declaration in declarations:
-        yield from _hidden_names(declaration, {name.split("::")[-1] for name in owners})
-
-
-def _both(first, second):
-    return "%s and %s" % (first, second)
-
-
-def _generated_names(declaration, interface):
-    """The names that an interface brings into the generated code, each with its line and what it is for."""
-    namespace = "::".join(interface.modules) + "::"
-    owner = "interface '%s'" % interface.scoped_name
-    for name in (interface.proxy, interface.skeleton, interface.info):
-        yield declaration.line(), namespace + name, owner
-    for line, operation in _lines(declaration, interface):
-        what = "operation '%s::%s'" % (interface.scoped_name, operation.name)
-        member = namespace + interface.name + "::"
-        scoped = (namespace + operation.handler, member + operation.name, member + operation.async_name)
-        for name in scoped + tuple(_global_names(operation)):
-            yield line, name, what
-
-
-def _lines(declaration, interface):
-    lines = (operation.line() for operation in model.operation_declarations(declaration))
-    return zip(lines, interface.operations)
-
-
-def _global_names(operation):
-    for direction in ("request", "reply"):
-        yield operation.topic(direction)
-        yield operation.sample(direction)
-
-
-def _long_topics(declaration, interface):
-    for line, operation in _lines(declaration, interface):
-        if len(operation.topic("request")) > _LONGEST_TOPIC:
-            reason = "the topic of operation '%s' would have a name of %d characters; DDS allows %d"
-            yield line, reason % (operation.name, len(operation.topic("request")), _LONGEST_TOPIC)
-
-
-def _hidden_names(declaration, generated):
-    """Arguments that would hide a class which the operation needs, and operations that are named like one."""
-    members = {operation.identifier() for operation in model.operation_declarations(declaration)}
-    members |= {"async_" + member for member in members}
-    for operation in model.operation_declarations(declaration):
-        if operation.identifier() in generated - members:
-            yield operation.line(), "operation '%s' has the name of generated code" % operation.identifier()
-        for parameter in operation.parameters():
-            if parameter.identifier() in generated - members:
-                reason = "argument '%s' of operation '%s' has the name of generated code; choose another"
-                yield parameter.line(), reason % (parameter.identifier(), operation.identifier())

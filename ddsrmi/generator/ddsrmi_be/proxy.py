@@ -204,14 +204,19 @@ def _index(operation):
 
 
 def _make_request(operation):
-    statements = []
+    statements = list(_owners(operation))
+    call = "%s(%s)" % (_request_function_name(operation), ", ".join(a.name for a in operation.arguments))
+    return statements + ["auto %s = %s;" % (_local("request", operation), call)]
+
+
+def _owners(operation):
+    """First of all the texts get owners, so that they are freed whichever way the operation ends."""
+    taken = {argument.name for argument in operation.arguments}
     for argument in operation.arguments:
         if argument.type.is_text:
-            owner = _local("owned_" + argument.name, operation)
-            statements.append("const rmi::OwnedString %s(%s);" % (owner, argument.name))
-    call = "%s(%s)" % (_request_function_name(operation), ", ".join(a.name for a in operation.arguments))
-    statements.append("auto %s = %s;" % (_local("request", operation), call))
-    return statements
+            owner = free_name("owned_" + argument.name, taken)
+            taken.add(owner)
+            yield "const rmi::OwnedString %s(%s);" % (owner, argument.name)
 
 
 def _registration(interface):

@@ -33,8 +33,6 @@ _IDL = frozenset("""
 
 def objection(name):
     """Why `name` cannot be used for anything; None when it can."""
-    if name.startswith("_"):
-        return "begins with an underscore"
     if name in _C_AND_CPP:
         return "is a word of C or C++"
     if name.lower() in _SCOPES:

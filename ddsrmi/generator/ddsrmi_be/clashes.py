@@ -1,0 +1,71 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Refuses what would give two things in the generated code the same name, or one a name that is too long. Each
+refusal is a line and a reason. To be asked about interfaces that are otherwise in order."""
+
+from ddsrmi_be import model
+
+# DDS carries the name of a topic in a field of 256 bytes, its end included.
+_LONGEST_TOPIC = 255
+
+
+def refusals(declarations):
+    found = [(declaration, model.interface(declaration)) for declaration in declarations]
+    yield from _same_names(found)
+    classes = {name.split("::")[-1] for pair in found for _, name, _ in _class_names(*pair)}
+    for declaration, interface in found:
+        yield from _long_topics(declaration, interface)
+        yield from _hidden_classes(declaration, classes)
+
+
+def _same_names(found):
+    owners = {}
+    for pair in found:
+        for line, name, owner in [*_class_names(*pair), *_member_names(*pair)]:
+            if owners.setdefault(name, owner) != owner:
+                yield line, "%s and %s would both be given the name '%s'" % (owners[name], owner, name)
+
+
+def _class_names(declaration, interface):
+    """What an interface brings into namespaces, as line, name and what it is for."""
+    namespace = "::".join(interface.modules) + "::"
+    for name in (interface.proxy, interface.skeleton, interface.info):
+        yield declaration.line(), namespace + name, "interface '%s'" % interface.scoped_name
+    for line, operation in _lines(declaration, interface):
+        for name in (namespace + operation.handler, operation.sample("request"), operation.sample("reply")):
+            yield line, name, _named(operation)
+
+
+def _member_names(declaration, interface):
+    """What an interface brings into its own classes and into the set of topics, in the same form."""
+    for line, operation in _lines(declaration, interface):
+        for name in (operation.name, operation.async_name):
+            yield line, "%s::%s" % (interface.scoped_name, name), _named(operation)
+        yield line, operation.topic("request"), _named(operation)
+
+
+def _lines(declaration, interface):
+    lines = (operation.line() for operation in model.operation_declarations(declaration))
+    return zip(lines, interface.operations)
+
+
+def _named(operation):
+    return "operation '%s::%s'" % (operation.interface.scoped_name, operation.name)
+
+
+def _long_topics(declaration, interface):
+    for line, operation in _lines(declaration, interface):
+        if len(operation.topic("request")) > _LONGEST_TOPIC:
+            reason = "the topic of operation '%s' would have a name of %d characters; DDS allows %d"
+            yield line, reason % (operation.name, len(operation.topic("request")), _LONGEST_TOPIC)
+
+
+def _hidden_classes(declaration, classes):
+    """Operations and arguments inside which the name of a class would mean something else."""
+    for operation in model.operation_declarations(declaration):
+        what = "operation '%s'" % operation.identifier()
+        if operation.identifier() in classes:
+            yield operation.line(), what + " has the name of generated code; choose another"
+        for parameter in operation.parameters():
+            if parameter.identifier() in classes:
+                reason = "argument '%s' of %s has the name of generated code; choose another"
+                yield parameter.line(), reason % (parameter.identifier(), what)
