@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
 # Configures and builds a preset of CMakePresets.json in build/<preset>. To be sourced, with messages.sh.
 
 use_ccache() {

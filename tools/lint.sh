@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
 # The checks of the sources that need no run. To be sourced, with messages.sh.
 
 cxx_files() { git ls-files -- '*.h' '*.cpp'; }
@@ -11,6 +12,12 @@ check_format() {
     complain "these files differ from .clang-format; put each right with clang-format -i FILE:"
     sed -n 's/:[0-9]*:[0-9]*: error: .*//p' <<<"$report" | sort -u >&2
     return 1
+}
+
+check_scripts() {
+    local files
+    mapfile -t files < <(git grep -lE '^(#!.*bash|# shellcheck shell=bash)')
+    shellcheck --external-sources "${files[@]}" || { complain "shellcheck has found something"; return 1; }
 }
 
 # check_tidy <preset>: every source of the project that this build compiles passes .clang-tidy. Generated sources

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
 # A DDS domain of one's own on the loopback interface. To be sourced, with messages.sh.
 
 # reserve_domain: gives its number in $domain. The lock file is shared with the tests; the processes started from

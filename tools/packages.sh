@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
 # Installs the Debian packages of packaging/packages.txt. To be sourced, with messages.sh.
 
 # packages_for <purpose>...: the names of the packages that these purposes need.

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
 # Starts processes in the background, watches what they write, stops them. To be sourced, with messages.sh.
 
 # The processes that were started and shall be stopped, in the order of their start.

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
 # JSON-RPC requests to the host daemon. To be sourced.
 
 # rpc_request <id> <method> <params or nothing>

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
 # Which build a sanitizer needs, and how a run under it ends at the first finding. To be sourced.
 
 # sanitizer_preset <sanitizers>
