@@ -11,11 +11,12 @@ namespace DDS_RMI {
 
 /// Receives the reply of one outstanding request. The RMI layer holds a reference from the call until the
 /// reply has been delivered or the request given up, and drops it then, on a thread of its own.
-class CAsyncReplyHandler : public virtual RefCounted {
+class CAsyncReplyHandler : public virtual RefCounted
+{
 public:
     ~CAsyncReplyHandler() override;
 
-    /// Called by the RMI layer, on the caller's thread, when the handler's request begins.
+    /// For RMI layers that wait for every reply on a condition of its own. Never called here; does nothing.
     virtual void asyncWait(DDS::QueryCondition* condition) = 0;
 
     /// Called by the RMI layer, on a thread of the runtime, when the reply is there. What it throws is
@@ -23,7 +24,8 @@ public:
     virtual void handleReply(DDS::ReadCondition* condition) = 0;
 };
 
-class CAsyncReplyHandlerImpl : public CAsyncReplyHandler {
+class CAsyncReplyHandlerImpl : public CAsyncReplyHandler
+{
 public:
     CAsyncReplyHandlerImpl();
     ~CAsyncReplyHandlerImpl() override;

@@ -16,7 +16,8 @@ namespace opensplice {
 namespace DDS_RMI {
 
 /// What DDS_Service does, without the types of a particular interface; refers to the default runtime.
-class DDS_Service_Impl {
+class DDS_Service_Impl
+{
 public:
     bool isUsable() const;
     CInterfaceRegistry_ref getRegistry() const;
@@ -29,18 +30,21 @@ public:
 };
 
 /// The facade to the default runtime that clients and servers use.
-class DDS_Service {
+class DDS_Service
+{
 public:
     static DDS_Service_Impl DDS_ServiceImpl;
 
-    /// Offers `implementation` as the service `name` with that instance number; clients see it once it is run.
-    /// False, with a line on standard error, when the runtime is not up or has that service already.
+    /// Offers `implementation` as the service `name` with that instance number; clients see it once it is
+    /// run. False, with a line on standard error, when the runtime is not up or has that service already.
     template <class Skeleton, class Impl>
-    static bool register_interface(const shared_ptr<Impl>& implementation, const std::string& name, DDS::Long instance)
+    static bool register_interface(const shared_ptr<Impl>& implementation, const std::string& name,
+                                   DDS::Long instance)
     {
         Skeleton::_register_service_info();
         const shared_ptr<Skeleton> skeleton(implementation.get());
-        return DDS_ServiceImpl.register_interface(shared_ptr<CInterfaceSkeleton>(skeleton.get()), name, instance);
+        return DDS_ServiceImpl.register_interface(shared_ptr<CInterfaceSkeleton>(skeleton.get()), name,
+                                                  instance);
     }
 
     /// Withdraws a service; when it has returned, none of its operations is running (but the one that called
@@ -72,7 +76,8 @@ public:
             return false;
         Proxy::_register_service_info();
         const CInterfaceRegistry_ref registry = DDS_ServiceImpl.getRegistry();
-        const CInterfaceProxy_ref found = registry->resolve(name, name + "_Proxy", server_instance, proxy_instance);
+        const CInterfaceProxy_ref found =
+            registry->resolve(name, name + "_Proxy", server_instance, proxy_instance);
         if (found.get() == nullptr)
             return false;
         proxy = shared_ptr<Proxy>(dynamic_cast<Proxy*>(found.get()));

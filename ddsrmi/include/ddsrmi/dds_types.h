@@ -17,9 +17,9 @@ typedef float Float;
 typedef double Double;
 
 /// A NUL-terminated text. Who is given one by value in a remote call owns it: the RMI layer frees every
-/// in-argument of a proxy call (also when the call throws) and every text that an implementation returns, with
-/// string_free. The in-arguments that an implementation receives, and the result that a reply hook receives,
-/// stay the RMI layer's and are valid until the function returns.
+/// in-argument of a proxy call (also when the call throws) and every text that an implementation returns,
+/// with string_free. The in-arguments that an implementation receives, and the result that a reply hook
+/// receives, stay the RMI layer's and are valid until the function returns.
 typedef char* String;
 
 /// Room for a text of `length` characters and its NUL, made with `new[]`; the first character is NUL.
@@ -30,7 +30,8 @@ String string_dup(const char* text);
 void string_free(String text);
 
 /// Hands one arrived reply to CAsyncReplyHandler::handleReply. It is valid during that call only.
-class ReadCondition {
+class ReadCondition
+{
 public:
     explicit ReadCondition(const void* sample);
     virtual ~ReadCondition();
@@ -45,7 +46,8 @@ private:
 };
 
 /// The condition under which one request's reply is looked for.
-class QueryCondition : public ReadCondition {
+class QueryCondition : public ReadCondition
+{
 public:
     QueryCondition();
     ~QueryCondition() override;

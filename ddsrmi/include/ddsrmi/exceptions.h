@@ -10,7 +10,8 @@ namespace opensplice {
 namespace DDS_RMI {
 
 /// Base of what the RMI layer throws.
-class SystemException : public virtual std::exception {
+class SystemException : public virtual std::exception
+{
 public:
     explicit SystemException(const std::string& message = "RMI system exception", int code = 0);
     ~SystemException() noexcept override;
@@ -22,7 +23,8 @@ public:
 };
 
 /// A reply did not come in time, or a request could not be handed over within the blocking time.
-class TIMEOUT : public virtual SystemException {
+class TIMEOUT : public virtual SystemException
+{
 public:
     TIMEOUT();
     explicit TIMEOUT(const std::string& message);
@@ -30,20 +32,23 @@ public:
 };
 
 /// A caller's error, such as a reply handler that is still in use.
-class BAD_PARAM : public virtual SystemException {
+class BAD_PARAM : public virtual SystemException
+{
 public:
     explicit BAD_PARAM(const char* message);
     ~BAD_PARAM() noexcept override;
 };
 
-class INTERNAL_ERROR : public virtual SystemException {
+class INTERNAL_ERROR : public virtual SystemException
+{
 public:
     explicit INTERNAL_ERROR(const char* message, int code = 0);
     ~INTERNAL_ERROR() noexcept override;
 };
 
 /// No such service is there.
-class SERVICE_NOT_FOUND : public virtual SystemException {
+class SERVICE_NOT_FOUND : public virtual SystemException
+{
 public:
     SERVICE_NOT_FOUND();
     explicit SERVICE_NOT_FOUND(const std::string& message);
@@ -51,7 +56,8 @@ public:
 };
 
 /// An operation that the object's state does not allow, such as a call after the runtime was stopped.
-class BAD_INV_ORDER : public virtual SystemException {
+class BAD_INV_ORDER : public virtual SystemException
+{
 public:
     explicit BAD_INV_ORDER(const char* message);
     ~BAD_INV_ORDER() noexcept override;

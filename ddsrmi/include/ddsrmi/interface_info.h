@@ -17,7 +17,8 @@ struct ProxySeed;
 
 /// One operation of an interface and the two topics that carry it. The sample structures of both topics begin
 /// with a DDS_RMI_Request_Header.
-struct OperationInfo {
+struct OperationInfo
+{
     const char* name;
     const char* request_topic;
     const dds_topic_descriptor* request_type;
@@ -26,7 +27,8 @@ struct OperationInfo {
 };
 
 /// What the code generator knows of an interface. All of it is static data of the interface library.
-struct InterfaceInfo {
+struct InterfaceInfo
+{
     /// The interface's scoped name, e.g. "M::I".
     const char* server_class;
     const OperationInfo* operations;
@@ -38,7 +40,8 @@ typedef CInterfaceProxy* (*ProxyFactory)(const ProxySeed& seed);
 
 /// Makes an interface's proxies known to the lookup for as long as it lives. Objects for the same interface
 /// may overlap; the newest counts.
-class ProxyRegistration {
+class ProxyRegistration
+{
 public:
     ProxyRegistration(const InterfaceInfo& interface_info, ProxyFactory factory);
     ~ProxyRegistration();
@@ -51,7 +54,8 @@ private:
 };
 
 /// Frees a text argument that a generated proxy operation was given, whichever way the operation ends.
-class OwnedString {
+class OwnedString
+{
 public:
     explicit OwnedString(DDS::String text) : m_text(text) {}
     ~OwnedString() { DDS::string_free(m_text); }

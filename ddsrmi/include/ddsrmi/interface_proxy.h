@@ -21,9 +21,10 @@ class RequestChannel;
 /// thread of the proxy's own. When the last handle is dropped, outstanding requests are given up and, once
 /// that has returned, no reply hook of the proxy is running (but the one that dropped it) or will run.
 ///
-/// A call throws SERVICE_NOT_FOUND at once when no server is there, TIMEOUT when the server's queues stay full
-/// for the blocking time, BAD_INV_ORDER when the runtime has been stopped.
-class CInterfaceProxy : public virtual RefCounted {
+/// A call throws SERVICE_NOT_FOUND at once when no server is there, TIMEOUT when the server's queues stay
+/// full for the blocking time, BAD_INV_ORDER when the runtime has been stopped.
+class CInterfaceProxy : public virtual RefCounted
+{
 public:
     ~CInterfaceProxy() override;
 
@@ -41,7 +42,8 @@ protected:
 
     /// The same, and waits until `handler` has received the reply. Throws TIMEOUT when none comes in time,
     /// BAD_INV_ORDER on the thread that delivers this proxy's replies.
-    void send_request_and_wait(std::size_t operation, void* request, const shared_ptr<CAsyncReplyHandlerImpl>& handler);
+    void send_request_and_wait(std::size_t operation, void* request,
+                               const shared_ptr<CAsyncReplyHandlerImpl>& handler);
 
 private:
     std::shared_ptr<RequestChannel> m_channel;

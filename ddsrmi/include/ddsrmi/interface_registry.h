@@ -17,7 +17,8 @@ namespace DDS_RMI {
 class RuntimeCore;
 
 /// Finds services. Any thread may use it.
-class CInterfaceRegistry : public virtual RefCounted {
+class CInterfaceRegistry : public virtual RefCounted
+{
 public:
     explicit CInterfaceRegistry(const std::shared_ptr<RuntimeCore>& core);
     ~CInterfaceRegistry() override;

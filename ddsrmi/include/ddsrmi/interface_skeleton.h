@@ -14,7 +14,8 @@ namespace opensplice {
 namespace DDS_RMI {
 
 /// A reply on its way to the client; owns its sample.
-class ReplySample {
+class ReplySample
+{
 public:
     virtual ~ReplySample();
     /// A sample of the operation's reply topic; its header is filled in by the RMI layer.
@@ -23,7 +24,8 @@ public:
 
 /// A reply whose result needs no clean-up.
 template <class Sample>
-class PlainReply : public ReplySample {
+class PlainReply : public ReplySample
+{
 public:
     Sample value = Sample();
     void* sample() override { return &value; }
@@ -31,14 +33,16 @@ public:
 
 /// A reply whose result is a text that the implementation handed over.
 template <class Sample>
-class TextReply : public PlainReply<Sample> {
+class TextReply : public PlainReply<Sample>
+{
 public:
     ~TextReply() override { DDS::string_free(this->value.result); }
 };
 
 /// Base of the generated skeletons, from which implementations derive. On which threads, and how many at a
 /// time, operations run is the runtime's server threading policy.
-class CInterfaceSkeleton : public virtual RefCounted {
+class CInterfaceSkeleton : public virtual RefCounted
+{
 public:
     ~CInterfaceSkeleton() override;
 

@@ -7,7 +7,8 @@ namespace opensplice {
 namespace DDS_RMI {
 
 /// A mutex whose operations return 0 on success, an errno value otherwise.
-class SDKMutex {
+class SDKMutex
+{
 public:
     virtual ~SDKMutex();
     virtual int initialize() = 0;
@@ -15,14 +16,17 @@ public:
     virtual int unlock() = 0;
 };
 
-class SDKMutexFactory {
+class SDKMutexFactory
+{
 public:
-    /// A new, initialised mutex, which the caller deletes. Throws INTERNAL_ERROR when there is none to be had.
+    /// A new, initialised mutex, which the caller deletes. Throws INTERNAL_ERROR when there is none to be
+    /// had.
     static SDKMutex* createSDKMutex();
 };
 
 /// Base of everything that is held by shared_ptr: a count, guarded by a mutex of its own. Derive virtually.
-class RefCounted {
+class RefCounted
+{
 public:
     /// Starts with the count 0.
     RefCounted();

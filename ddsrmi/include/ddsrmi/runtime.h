@@ -17,7 +17,8 @@ namespace DDS_RMI {
 class RuntimeCore;
 
 /// On how many threads a server runs its implementations.
-struct ServerThreadingPolicy {
+struct ServerThreadingPolicy
+{
     enum Model {
         ST,  ///< one thread for all services
         MT,  ///< a pool of threads for all services
@@ -27,10 +28,18 @@ struct ServerThreadingPolicy {
     unsigned pool_size;
 };
 
-/// One user's hold on the RMI runtime of a DDS domain. Every getDefaultRuntime() and getRuntime() gives a hold
-/// of its own on the one runtime that the process has for that domain; the runtime is up while any hold has
-/// started it. Any thread may call any operation.
-class CRuntime : public virtual RefCounted {
+/// How often one CRuntime has started the runtime and not stopped it. Guarded by the runtime's own lock.
+struct RuntimeHold
+{
+    unsigned starts;
+    bool has_ever_started;
+};
+
+/// One user's hold on the RMI runtime of a DDS domain. Every getDefaultRuntime() and getRuntime() gives a
+/// hold of its own on the one runtime that the process has for that domain; the runtime is up while any hold
+/// has started it. Any thread may call any operation.
+class CRuntime : public virtual RefCounted
+{
 public:
     /// The runtime of the domain that Cyclone DDS's configuration names.
     static shared_ptr<CRuntime> getDefaultRuntime();
@@ -81,8 +90,7 @@ public:
 
 private:
     std::shared_ptr<RuntimeCore> m_core;
-    unsigned m_starts;       // guarded by the core's mutex
-    bool m_has_ever_started; // guarded by the core's mutex
+    RuntimeHold m_hold;
 };
 
 typedef shared_ptr<CRuntime> CRuntime_ref;

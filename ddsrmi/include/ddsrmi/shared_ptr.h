@@ -9,7 +9,8 @@ namespace DDS_RMI {
 /// A counted reference to an object derived from RefCounted. One handle belongs to one thread at a time;
 /// handles on the same object may be used on different threads.
 template <class T>
-class shared_ptr {
+class shared_ptr
+{
 public:
     shared_ptr() : m_object(nullptr) {}
 

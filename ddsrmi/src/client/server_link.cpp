@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "client/server_link.h"
+
+#include <algorithm>
+
+#include "dds/loan.h"
+#include "dds/path_name.h"
+#include "dds/qos.h"
+#include "dds/topics.h"
+
+namespace org::opensplice::DDS_RMI {
+
+namespace {
+
+std::uint64_t next_number()
+{
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
+} // namespace
+
+ServerLink::ServerLink(const Entity& participant, const InterfaceInfo& interface_info,
+                       const Announcement& server, std::chrono::nanoseconds blocking_time)
+    : m_number(next_number()), m_server(server), m_path(make_path_name(participant)),
+      m_publisher(dds_create_publisher(participant.get(), partition_qos(server.path).get(), nullptr),
+                  "cannot create the publisher of requests"),
+      m_subscriber(dds_create_subscriber(participant.get(), partition_qos(m_path).get(), nullptr),
+                   "cannot create the subscriber of replies")
+{
+    m_exchanges.reserve(interface_info.operation_count);
+    for (std::size_t i = 0; i < interface_info.operation_count; ++i)
+        m_exchanges.push_back(make_exchange(participant, interface_info.operations[i], blocking_time));
+}
+
+ServerLink::Exchange ServerLink::make_exchange(const Entity& participant, const OperationInfo& operation,
+                                               std::chrono::nanoseconds blocking_time) const
+{
+    Qos writer_qos = exchange_qos(blocking_time);
+    set_path_name(writer_qos, m_path);
+
+    Exchange exchange;
+    exchange.request_topic = create_topic(participant, *operation.request_type, operation.request_topic);
+    exchange.reply_topic = create_topic(participant, *operation.reply_type, operation.reply_topic);
+    exchange.reply_reader = Entity(dds_create_reader(m_subscriber.get(), exchange.reply_topic.get(),
+                                                     exchange_qos(blocking_time).get(), nullptr),
+                                   std::string("cannot create a reader of ") + operation.reply_topic);
+    exchange.request_writer =
+        Entity(dds_create_writer(m_publisher.get(), exchange.request_topic.get(), writer_qos.get(), nullptr),
+               std::string("cannot create a writer of ") + operation.request_topic);
+    return exchange;
+}
+
+void ServerLink::attach(EventLoop& loop, const OnReply& on_reply, const std::function<void()>& on_change)
+{
+    m_on_reply = on_reply;
+    m_on_change = on_change;
+    for (std::size_t i = 0; i < m_exchanges.size(); ++i) {
+        Exchange& exchange = m_exchanges[i];
+        const dds_entity_t reader = exchange.reply_reader.get();
+        const dds_entity_t writer = exchange.request_writer.get();
+        check(dds_set_status_mask(reader, DDS_DATA_AVAILABLE_STATUS | DDS_SUBSCRIPTION_MATCHED_STATUS),
+              "cannot watch a reply reader");
+        check(dds_set_status_mask(writer, DDS_PUBLICATION_MATCHED_STATUS), "cannot watch a request writer");
+        m_attachments.push_back(loop.attach(reader, [this, i] { on_reader_event(i); }));
+        m_attachments.push_back(loop.attach(writer, [this, &exchange] { check_writer(exchange); }));
+    }
+}
+
+dds_return_t ServerLink::write(std::size_t operation, const void* request) const
+{
+    return dds_write(m_exchanges[operation].request_writer.get(), request);
+}
+
+void ServerLink::on_reader_event(std::size_t operation)
+{
+    Exchange& exchange = m_exchanges[operation];
+    const dds_entity_t reader = exchange.reply_reader.get();
+    std::uint32_t changes = 0;
+    dds_get_status_changes(reader, &changes);
+    if ((changes & DDS_SUBSCRIPTION_MATCHED_STATUS) != 0)
+        check_reader(exchange);
+    take_all(reader, [this, operation](const void* sample, const dds_sample_info_t& info) {
+        if (info.valid_data)
+            m_on_reply(operation, sample);
+    });
+}
+
+void ServerLink::check_writer(Exchange& exchange)
+{
+    dds_publication_matched_status_t status{};
+    dds_get_publication_matched_status(exchange.request_writer.get(), &status);
+    exchange.writer_matched = status.current_count > 0;
+    check_connected();
+}
+
+void ServerLink::check_reader(Exchange& exchange)
+{
+    dds_subscription_matched_status_t status{};
+    dds_get_subscription_matched_status(exchange.reply_reader.get(), &status);
+    exchange.reader_matched = status.current_count > 0;
+    check_connected();
+}
+
+void ServerLink::check_connected()
+{
+    const bool connected = std::all_of(m_exchanges.begin(), m_exchanges.end(), [](const Exchange& exchange) {
+        return exchange.writer_matched && exchange.reader_matched;
+    });
+    if (m_connected.exchange(connected, std::memory_order_acq_rel) != connected)
+        m_on_change();
+}
+
+} // namespace org::opensplice::DDS_RMI

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef DDSRMI_CLIENT_SERVER_LINK_H
+#define DDSRMI_CLIENT_SERVER_LINK_H
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "client/service_watch.h"
+#include "dds/entity.h"
+#include "dds/event_loop.h"
+#include "ddsrmi/interface_info.h"
+
+namespace org::opensplice::DDS_RMI {
+
+/// One proxy's endpoints towards one server: for each operation a request writer in the server's partition
+/// and a reply reader in a partition of the link's own. Nothing that happens to another server or another
+/// proxy shows here.
+class ServerLink
+{
+public:
+    using OnReply = std::function<void(std::size_t operation, const void* sample)>;
+
+    ServerLink(const Entity& participant, const InterfaceInfo& interface_info, const Announcement& server,
+               std::chrono::nanoseconds blocking_time);
+
+    /// Begins to follow the endpoints. In the loop's thread, `on_reply` is called for every reply that comes,
+    /// `on_change` when connected() may have changed.
+    void attach(EventLoop& loop, const OnReply& on_reply, const std::function<void()>& on_change);
+
+    /// Different for every link of the process.
+    std::uint64_t number() const { return m_number; }
+    const Announcement& server() const { return m_server; }
+
+    /// Whether every request writer has a reader and every reply reader has a writer at the server. Any
+    /// thread.
+    bool connected() const { return m_connected.load(std::memory_order_acquire); }
+
+    /// A Cyclone return code. Any thread.
+    dds_return_t write(std::size_t operation, const void* request) const;
+
+private:
+    struct Exchange
+    {
+        Entity request_topic;
+        Entity request_writer;
+        bool writer_matched = false;
+        Entity reply_topic;
+        Entity reply_reader;
+        bool reader_matched = false;
+    };
+
+    Exchange make_exchange(const Entity& participant, const OperationInfo& operation,
+                           std::chrono::nanoseconds blocking_time) const;
+    void on_reader_event(std::size_t operation);
+    void check_writer(Exchange& exchange);
+    void check_reader(Exchange& exchange);
+    void check_connected();
+
+    const std::uint64_t m_number;
+    const Announcement m_server;
+    const std::string m_path;
+    Entity m_publisher;
+    Entity m_subscriber;
+    std::vector<Exchange> m_exchanges; // the matched flags belong to the loop's thread
+    std::atomic<bool> m_connected{false};
+    OnReply m_on_reply;
+    std::function<void()> m_on_change;
+    std::vector<EventLoop::Attachment> m_attachments; // last, so that nothing is followed once it goes
+};
+
+} // namespace org::opensplice::DDS_RMI
+
+#endif

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef DDSRMI_DDS_EVENT_LOOP_H
+#define DDSRMI_DDS_EVENT_LOOP_H
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <unordered_map>
+
+#include "dds/entity.h"
+
+namespace org::opensplice::DDS_RMI {
+
+/// Waits for Cyclone entities and runs what is to happen on each.
+///
+/// One thread at a time runs dispatch(); all else may be called from any thread.
+class EventLoop
+{
+public:
+    using Action = std::function<void()>;
+
+    explicit EventLoop(const Entity& participant);
+
+    /// Keeps an entity attached for as long as it lives; once it has gone the action is not running and will
+    /// not run (but when it goes in an action of the loop). It must not outlive the loop.
+    class Attachment
+    {
+    public:
+        Attachment() noexcept = default;
+        Attachment(Attachment&& other) noexcept;
+        Attachment& operator=(Attachment&& other) noexcept;
+        ~Attachment();
+
+    private:
+        friend class EventLoop;
+        Attachment(EventLoop& loop, dds_entity_t entity, dds_attach_t id);
+
+        EventLoop* m_loop = nullptr;
+        dds_entity_t m_entity = 0;
+        dds_attach_t m_id = 0;
+    };
+
+    /// Has `action` run by dispatch() for as long as the entity's condition or status is triggered; the
+    /// action must clear it.
+    Attachment attach(dds_entity_t entity, Action action);
+
+    /// Waits until something is triggered, wake() has been called or `timeout` has passed, and runs the
+    /// actions of what was triggered.
+    void dispatch(std::chrono::nanoseconds timeout);
+
+    /// Lets the current or the next dispatch() return.
+    void wake();
+
+private:
+    void run_action(dds_attach_t id);
+    std::shared_ptr<Action> begin_action(dds_attach_t id);
+    void end_action();
+    void detach(dds_entity_t entity, dds_attach_t id);
+
+    Entity m_waitset;
+    Entity m_wake_up;
+    std::mutex m_mutex;
+    std::condition_variable m_action_ended;
+    dds_attach_t m_running_id = 0;                                       // guarded by m_mutex; 0 for none
+    std::thread::id m_running_on;                                        // guarded by m_mutex
+    dds_attach_t m_last_id = 0;                                          // guarded by m_mutex
+    std::unordered_map<dds_attach_t, std::shared_ptr<Action>> m_actions; // guarded by m_mutex
+};
+
+} // namespace org::opensplice::DDS_RMI
+
+#endif

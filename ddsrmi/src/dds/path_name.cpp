@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "dds/path_name.h"
+
+#include <atomic>
+
+namespace org::opensplice::DDS_RMI {
+
+std::string make_path_name(const Entity& participant)
+{
+    static std::atomic<unsigned> last_number{0};
+    constexpr char digits[] = "0123456789abcdef";
+
+    dds_guid_t guid{};
+    check(dds_get_guid(participant.get(), &guid), "cannot read the participant's GUID");
+    std::string name;
+    for (const unsigned byte : guid.v) {
+        name += digits[byte >> 4U];
+        name += digits[byte & 0xfU];
+    }
+    return name + '-' + std::to_string(++last_number);
+}
+
+} // namespace org::opensplice::DDS_RMI

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ddsrmi/interface_proxy.h"
+
+#include "client/request_channel.h"
+#include "report.h"
+
+namespace org::opensplice::DDS_RMI {
+
+CInterfaceProxy::CInterfaceProxy(const ProxySeed& seed) : m_channel(seed.channel) {}
+
+CInterfaceProxy::~CInterfaceProxy()
+{
+    try {
+        m_channel->close();
+    } catch (...) {
+        report_current_exception("releasing a proxy");
+    }
+}
+
+void CInterfaceProxy::setTimeout(unsigned milliseconds)
+{
+    m_channel->set_timeout(milliseconds);
+}
+
+unsigned CInterfaceProxy::getTimeout() const
+{
+    return m_channel->timeout();
+}
+
+void CInterfaceProxy::send_request(std::size_t operation, void* request, CAsyncReplyHandlerImpl* handler)
+{
+    m_channel->send(operation, request, Handler(handler));
+}
+
+void CInterfaceProxy::send_request_and_wait(std::size_t operation, void* request,
+                                            const shared_ptr<CAsyncReplyHandlerImpl>& handler)
+{
+    m_channel->send_and_wait(operation, request, handler);
+}
+
+} // namespace org::opensplice::DDS_RMI

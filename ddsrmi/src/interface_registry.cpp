@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ddsrmi/interface_registry.h"
+
+#include "client/proxy_factories.h"
+#include "client/request_channel.h"
+#include "client/service_watch.h"
+#include "dds/event_loop.h"
+#include "ddsrmi/exceptions.h"
+#include "runtime_core.h"
+
+namespace org::opensplice::DDS_RMI {
+
+namespace {
+
+SERVICE_NOT_FOUND not_found(const std::string& service)
+{
+    return SERVICE_NOT_FOUND("service '" + service + "' was not found within the discovery time");
+}
+
+// Waits until some server announces the service and gives the name of its interface.
+std::string wait_for_announcement(const Entity& participant, ServiceWatch& watch, const std::string& service,
+                                  Clock::time_point deadline)
+{
+    EventLoop loop(participant);
+    const auto attachment = loop.attach(watch.entity(), [&watch] { watch.refresh(); });
+    while (watch.live().empty()) {
+        const auto now = Clock::now();
+        if (now >= deadline)
+            throw not_found(service);
+        loop.dispatch(deadline - now);
+    }
+    return watch.live().back().server_class;
+}
+
+} // namespace
+
+CInterfaceRegistry::CInterfaceRegistry(const std::shared_ptr<RuntimeCore>& core) : m_core(core) {}
+CInterfaceRegistry::~CInterfaceRegistry() = default;
+
+CInterfaceProxy_ref CInterfaceRegistry::resolve(const std::string& server_name, const std::string& proxy_name,
+                                                DDS::Long server_instance, DDS::Long proxy_instance)
+{
+    const auto participant = m_core->participant();
+    if (participant == nullptr)
+        throw BAD_INV_ORDER("a lookup needs a started runtime");
+    const RuntimeOptions options = m_core->options();
+    const auto deadline = options.discovery_deadline(Clock::now());
+
+    ServiceWatch watch(*participant, options.durable, server_name, server_instance);
+    const auto server_class = wait_for_announcement(*participant, watch, server_name, deadline);
+    const auto known = find_proxy(server_class);
+    if (!known)
+        return {};
+
+    const auto channel = std::make_shared<RequestChannel>(
+        participant, *known->interface_info, ChannelNames{server_name, proxy_name, proxy_instance},
+        std::move(watch), m_core->timeout());
+    channel->open();
+    const CInterfaceProxy_ref proxy(known->factory(ProxySeed{channel}));
+    m_core->add(channel);
+    if (!channel->wait_until_connected(deadline))
+        throw not_found(server_name);
+    return proxy;
+}
+
+} // namespace org::opensplice::DDS_RMI
