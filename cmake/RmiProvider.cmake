@@ -2,6 +2,7 @@
 #   RMI::layer                      target to link for the RMI layer's published interface
 #   rmi_interface_library(...)      makes an interface library from an interface file
 if(RMI_PROVIDER STREQUAL "embedded")
+    include(RmiInterfaceLibrary)
     add_subdirectory(${PROJECT_SOURCE_DIR}/ddsrmi)
 elseif(RMI_PROVIDER STREQUAL "opensplice")
     include(OpenSpliceRmi)
