@@ -44,18 +44,18 @@ std::map<std::string, std::string> merged_environment(const std::map<std::string
 std::vector<std::string> environment_entries(const std::map<std::string, std::string>& environment)
 {
     std::vector<std::string> entries;
-    for (const auto& [name, value] : environment) {
-        entries.push_back(name + "=" + value);
-    }
+    entries.reserve(environment.size());
+    for (const auto& [name, value] : environment)
+        entries.emplace_back(name).append("=").append(value);
     return entries;
 }
 
 std::vector<char*> null_terminated(std::vector<std::string>& texts)
 {
     std::vector<char*> pointers;
-    for (std::string& text : texts) {
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
         pointers.push_back(text.data());
-    }
     pointers.push_back(nullptr);
     return pointers;
 }
