@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "connection_registry.h"
+
+#include <netinet/in.h>
+
+#include <algorithm>
+
+namespace zorbd {
+namespace {
+
+std::string bytes_of(const void* data, std::size_t size)
+{
+    return {static_cast<const char*>(data), size};
+}
+
+/// What connections are counted by; empty where there is no address.
+std::string address_key(const sockaddr* address)
+{
+    if (address == nullptr)
+        return {};
+    if (address->sa_family == AF_INET) {
+        const auto& in = reinterpret_cast<const sockaddr_in*>(address)->sin_addr;
+        return bytes_of(&in, sizeof in);
+    }
+    if (address->sa_family == AF_INET6) {
+        const auto& in6 = reinterpret_cast<const sockaddr_in6*>(address)->sin6_addr;
+        return bytes_of(&in6, sizeof in6);
+    }
+    return {};
+}
+
+} // namespace
+
+/// Every field but the constant ones is guarded by the registry's mutex.
+struct ConnectionRegistry::Connection
+{
+    const int socket;
+    const std::string address;
+    ConnectionPhase phase;
+    Clock::time_point deadline;
+    bool is_cut;
+    std::list<Connection>::iterator self;
+};
+
+ConnectionRegistry::ConnectionRegistry(ConnectionLimits limits)
+    : m_limits(limits), m_watcher([this] { watch(); })
+{
+}
+
+ConnectionRegistry::~ConnectionRegistry()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_stopping = true;
+    }
+    m_watch_changed.notify_all();
+    m_watcher.join();
+}
+
+bool ConnectionRegistry::has_room(const sockaddr* address)
+{
+    const std::string key = address_key(address);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_closed || m_connections.size() >= m_limits.total)
+        return false;
+    const auto counted = m_per_address.find(key);
+    return key.empty() || counted == m_per_address.end() || counted->second < m_limits.per_address;
+}
+
+ConnectionRegistry::Connection& ConnectionRegistry::add(int socket, const sockaddr* address)
+{
+    const std::string key = address_key(address);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_connections.push_front(
+        {socket, key, ConnectionPhase::idle, deadline_of(ConnectionPhase::idle), false, m_connections.end()});
+    Connection& added = m_connections.front();
+    added.self = m_connections.begin();
+    ++m_per_address[key];
+    ++m_in_phase[static_cast<int>(ConnectionPhase::idle)];
+    if (m_connections.size() == 1)
+        m_watch_changed.notify_all();
+    return added;
+}
+
+void ConnectionRegistry::remove(Connection& connection)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    --m_in_phase[static_cast<int>(connection.phase)];
+    const auto counted = m_per_address.find(connection.address);
+    if (--counted->second == 0)
+        m_per_address.erase(counted);
+    m_connections.erase(connection.self);
+    m_phase_left.notify_all();
+}
+
+bool ConnectionRegistry::enter(Connection& connection, ConnectionPhase phase)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (phase == ConnectionPhase::working && m_closed)
+        return false;
+    --m_in_phase[static_cast<int>(connection.phase)];
+    ++m_in_phase[static_cast<int>(phase)];
+    connection.phase = phase;
+    connection.deadline = deadline_of(phase);
+    if (m_closed)
+        m_phase_left.notify_all();
+    return true;
+}
+
+void ConnectionRegistry::close()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_closed = true;
+}
+
+bool ConnectionRegistry::wait_none(ConnectionPhase phase, Clock::time_point deadline)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    const std::size_t& count = m_in_phase[static_cast<int>(phase)];
+    return m_phase_left.wait_until(lock, deadline, [&count] { return count == 0; });
+}
+
+ConnectionRegistry::Clock::time_point ConnectionRegistry::deadline_of(ConnectionPhase phase) const
+{
+    switch (phase) {
+    case ConnectionPhase::idle:
+        return Clock::now() + m_limits.idle;
+    case ConnectionPhase::working:
+        return Clock::time_point::max(); // a call takes as long as it takes
+    default:
+        return Clock::now() + m_limits.request;
+    }
+}
+
+void ConnectionRegistry::watch()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_stopping) {
+        if (m_connections.empty())
+            m_watch_changed.wait(lock);
+        else
+            m_watch_changed.wait_until(lock, cut_overdue());
+    }
+}
+
+/// Shuts overdue connections down and says when to look again. No phase that begins later can end before
+/// that.
+ConnectionRegistry::Clock::time_point ConnectionRegistry::cut_overdue()
+{
+    const Clock::time_point now = Clock::now();
+    Clock::time_point next = now + std::min(m_limits.idle, m_limits.request);
+    for (Connection& connection : m_connections) {
+        if (connection.is_cut)
+            continue;
+        if (connection.deadline <= now) {
+            // The socket cannot have been closed: its owner removes the connection first.
+            shutdown(connection.socket, SHUT_RDWR);
+            connection.is_cut = true;
+        } else {
+            next = std::min(next, connection.deadline);
+        }
+    }
+    return next;
+}
+
+} // namespace zorbd

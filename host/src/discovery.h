@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_DISCOVERY_H
+#define ZORBD_DISCOVERY_H
+
+#include <string>
+#include <vector>
+
+namespace zeb::api {
+class CallbackMethod;
+}
+
+namespace zorbd {
+
+/// The OpenRPC method object of `method`, as JSON text. A description that is a string becomes its
+/// "description"; the members of one that is an object stand in the method object as they are. Lets through
+/// what the method throws.
+std::string describe_method(const std::string& name, const zeb::api::CallbackMethod& method);
+
+/// The OpenRPC document of methods that have been described, in that order.
+std::string openrpc_document(const std::vector<std::string>& method_objects);
+
+} // namespace zorbd
+
+#endif

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_HTTP_EXCHANGE_H
+#define ZORBD_HTTP_EXCHANGE_H
+
+#include <optional>
+#include <string>
+
+#include "http_server.h"
+
+struct MHD_Connection;
+
+namespace zorbd {
+
+/// One HTTP request and its response. It belongs to its connection's I/O thread, but to a worker from the
+/// moment it is handed over until it is delivered.
+class HttpExchange : public Work
+{
+public:
+    HttpExchange(MHD_Connection& connection, ConnectionRegistry::Connection& registered,
+                 const RequestGate& gate, const HttpServices& services);
+
+    /// Decides on the request by its head, and answers it when that is enough to do so.
+    void begin(const RequestHead& head);
+    /// Takes a part of the body in.
+    void receive(const char* data, std::size_t size);
+    /// To be called when the whole request is here, and again when the connection has been resumed: hands it
+    /// to a worker, or answers it.
+    void proceed();
+
+    void run() override;
+    void deliver() override;
+
+private:
+    enum class Stage { receiving, too_large, worked, busy };
+
+    void hand_over();
+    void refuse(const Refusal& refusal);
+    void refuse_busy(const char* cause);
+    void respond_with_answer();
+    void respond(unsigned int status, std::string body);
+
+    MHD_Connection& m_connection;
+    ConnectionRegistry::Connection& m_registered;
+    const RequestGate& m_gate;
+    const HttpServices& m_services;
+    std::string m_body;
+    Stage m_stage = Stage::receiving;
+    std::optional<std::string> m_answer;
+    std::string m_response; ///< must stay as it is while it is sent
+};
+
+} // namespace zorbd
+
+#endif

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "http_server.h"
+
+#include <microhttpd.h>
+
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <memory>
+#include <new>
+#include <system_error>
+#include <utility>
+
+#include "http_exchange.h"
+
+namespace zorbd {
+namespace {
+
+/// What a connection may use for the head of a request and of its response.
+constexpr std::size_t connection_memory = 8192;
+/// Above our own limit, which is the one that is told of and enforced.
+constexpr unsigned int connection_reserve = 16;
+
+std::optional<std::string_view> header(MHD_Connection* connection, const char* name)
+{
+    const char* value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
+    if (value == nullptr)
+        return std::nullopt;
+    return value;
+}
+
+RequestHead head_of(MHD_Connection* connection, const char* method, const char* path)
+{
+    return {method,
+            path,
+            header(connection, MHD_HTTP_HEADER_CONTENT_TYPE),
+            header(connection, MHD_HTTP_HEADER_CONTENT_LENGTH),
+            header(connection, MHD_HTTP_HEADER_ORIGIN),
+            header(connection, MHD_HTTP_HEADER_AUTHORIZATION)};
+}
+
+ConnectionRegistry::Connection& registered(MHD_Connection* connection)
+{
+    const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
+    if (info->socket_context == nullptr)
+        throw std::bad_alloc(); // there was no memory to register it
+    return *static_cast<ConnectionRegistry::Connection*>(info->socket_context);
+}
+
+/// Runs what a callback has to do; no exception may pass through the library that calls it.
+template <class Action>
+MHD_Result guarded(const Action& action) noexcept
+{
+    try {
+        action();
+        return MHD_YES;
+    } catch (...) {
+        return MHD_NO; // closes the connection
+    }
+}
+
+} // namespace
+
+/// The functions that libmicrohttpd calls, on the server's thread. `closure` is the server.
+struct HttpCallbacks
+{
+    static MHD_Result accept(void* closure, const sockaddr* address, socklen_t /*length*/)
+    {
+        ConnectionRegistry& connections = server(closure).m_services.connections;
+        bool has_room = false;
+        guarded([&] { has_room = connections.has_room(address); });
+        return has_room ? MHD_YES : MHD_NO;
+    }
+
+    static void connection_changed(void* closure, MHD_Connection* connection, void** context,
+                                   MHD_ConnectionNotificationCode change)
+    {
+        ConnectionRegistry& connections = server(closure).m_services.connections;
+        if (change == MHD_CONNECTION_NOTIFY_STARTED)
+            guarded([&] { *context = &add(connections, connection); });
+        else if (*context != nullptr)
+            connections.remove(*static_cast<ConnectionRegistry::Connection*>(*context));
+    }
+
+    /// Is called when the first line of a request has come in.
+    static void* request_line_read(void* closure, const char* /*uri*/, MHD_Connection* connection)
+    {
+        guarded([&] { enter(closure, connection, ConnectionPhase::receiving); });
+        return nullptr;
+    }
+
+    static MHD_Result handle(void* closure, MHD_Connection* connection, const char* path, const char* method,
+                             const char* /*version*/, const char* data, std::size_t* size, void** context)
+    {
+        return guarded([&] {
+            auto* exchange = static_cast<HttpExchange*>(*context);
+            if (exchange == nullptr) {
+                *context = exchange = make_exchange(server(closure), connection);
+                exchange->begin(head_of(connection, method, path));
+            } else if (*size != 0) {
+                exchange->receive(data, std::exchange(*size, 0));
+            } else {
+                exchange->proceed();
+            }
+        });
+    }
+
+    static void completed(void* closure, MHD_Connection* connection, void** context,
+                          MHD_RequestTerminationCode /*how*/)
+    {
+        const std::unique_ptr<HttpExchange> exchange(
+            static_cast<HttpExchange*>(std::exchange(*context, nullptr)));
+        guarded([&] { enter(closure, connection, ConnectionPhase::idle); });
+    }
+
+private:
+    static HttpServer& server(void* closure) { return *static_cast<HttpServer*>(closure); }
+
+    static void enter(void* closure, MHD_Connection* connection, ConnectionPhase phase)
+    {
+        server(closure).m_services.connections.enter(registered(connection), phase);
+    }
+
+    static ConnectionRegistry::Connection& add(ConnectionRegistry& connections, MHD_Connection* connection)
+    {
+        const int socket = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
+        const sockaddr* address =
+            MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS)->client_addr;
+        return connections.add(socket, address);
+    }
+
+    static HttpExchange* make_exchange(const HttpServer& server, MHD_Connection* connection)
+    {
+        return new HttpExchange(*connection, registered(connection), server.m_gate, server.m_services);
+    }
+};
+
+HttpServer::HttpServer(int listening_socket, RequestGate gate, const HttpServices& services)
+    : m_gate(std::move(gate)), m_services(services),
+      m_daemon(MHD_start_daemon(
+          MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, &HttpCallbacks::accept, this,
+          &HttpCallbacks::handle, this, MHD_OPTION_LISTEN_SOCKET, listening_socket,
+          MHD_OPTION_CONNECTION_MEMORY_LIMIT, connection_memory, MHD_OPTION_CONNECTION_LIMIT,
+          static_cast<unsigned int>(services.connections.limits().total) + connection_reserve,
+          MHD_OPTION_STRICT_FOR_CLIENT, 1, MHD_OPTION_SIGPIPE_HANDLED_BY_APP, 1, MHD_OPTION_URI_LOG_CALLBACK,
+          &HttpCallbacks::request_line_read, this, MHD_OPTION_NOTIFY_CONNECTION,
+          &HttpCallbacks::connection_changed, this, MHD_OPTION_NOTIFY_COMPLETED, &HttpCallbacks::completed,
+          this, MHD_OPTION_END))
+{
+    if (m_daemon == nullptr)
+        throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
+}
+
+HttpServer::~HttpServer()
+{
+    quiesce(); // otherwise the daemon closes the socket, which is not its own
+}
+
+void HttpServer::quiesce()
+{
+    const int socket = MHD_quiesce_daemon(m_daemon.get());
+    if (socket != MHD_INVALID_SOCKET)
+        shutdown(socket, SHUT_RDWR); // refuses connections at once, while the descriptor stays valid
+}
+
+void HttpServer::Stop::operator()(MHD_Daemon* daemon) const noexcept
+{
+    MHD_stop_daemon(daemon);
+}
+
+} // namespace zorbd

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_HTTP_SERVER_H
+#define ZORBD_HTTP_SERVER_H
+
+#include <functional>
+#include <memory>
+
+#include "connection_registry.h"
+#include "dispatcher.h"
+#include "health_report.h"
+#include "request_gate.h"
+#include "worker_pool.h"
+
+struct MHD_Daemon;
+
+namespace zorbd {
+
+/// What all listeners share. All of it must outlive them.
+struct HttpServices
+{
+    const Dispatcher& dispatcher;
+    WorkerPool& workers;
+    ConnectionRegistry& connections;
+    std::function<HealthReport()> health;
+};
+
+/// Serves HTTP on one listening socket, with one thread of its own for all its connections. Methods run on
+/// the workers; a connection sleeps meanwhile.
+class HttpServer
+{
+public:
+    /// Starts to serve. `listening_socket` must stay open until the server is destroyed. Throws
+    /// std::runtime_error.
+    HttpServer(int listening_socket, RequestGate gate, const HttpServices& services);
+    /// Closes all connections. None may be working (see ConnectionRegistry).
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
+
+    /// Takes no further connections.
+    void quiesce();
+
+private:
+    friend struct HttpCallbacks;
+    struct Stop
+    {
+        void operator()(MHD_Daemon* daemon) const noexcept;
+    };
+
+    const RequestGate m_gate;
+    const HttpServices m_services;
+    std::unique_ptr<MHD_Daemon, Stop> m_daemon;
+};
+
+} // namespace zorbd
+
+#endif

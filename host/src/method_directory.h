@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_METHOD_DIRECTORY_H
+#define ZORBD_METHOD_DIRECTORY_H
+
+#include <memory>
+#include <string>
+
+namespace zeb::api {
+class CallbackMethod;
+}
+
+namespace zorbd {
+
+struct MethodLookup
+{
+    /// Null when there is no such method now. It can be called until the directory's plug-ins are released.
+    zeb::api::CallbackMethod* method = nullptr;
+    /// Whether a plug-in that might offer the name is still waiting for its service.
+    bool may_still_come = false;
+};
+
+/// The methods that can be called now. Every operation may be called from any thread.
+class MethodDirectory
+{
+public:
+    virtual ~MethodDirectory() = default;
+
+    virtual MethodLookup find(const std::string& name) const = 0;
+
+    /// The OpenRPC document of the methods, as JSON text; never null.
+    virtual std::shared_ptr<const std::string> discovery_document() const = 0;
+};
+
+} // namespace zorbd
+
+#endif

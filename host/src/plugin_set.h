@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_PLUGIN_SET_H
+#define ZORBD_PLUGIN_SET_H
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "method_directory.h"
+#include "plugin.h"
+
+namespace zorbd {
+
+/// What is known of one plug-in.
+struct PluginStatus
+{
+    std::string file;
+    bool bound = false;
+    std::size_t methods = 0; ///< that are served
+};
+
+/// The plug-ins of the process, and the directory of what they offer.
+///
+/// When two offer a method of one name, the one that was named first serves it, whichever was bound first.
+class PluginSet : public MethodDirectory
+{
+public:
+    /// Loads the files; throws PluginError for the first that cannot be loaded.
+    PluginSet(const std::vector<std::string>& files, BindingPauses pauses);
+    ~PluginSet() override;
+
+    /// Starts to bind them all, each on a thread of its own. Throws std::system_error.
+    void start();
+    /// Makes no further attempt to bind; bound plug-ins stay callable. False when an attempt was still
+    /// running at the deadline.
+    bool stop_binding(std::chrono::steady_clock::time_point deadline);
+    /// Deletes the handlers, the last plug-in's first. No method may run any more.
+    void release();
+
+    MethodLookup find(const std::string& name) const override;
+    std::shared_ptr<const std::string> discovery_document() const override;
+    /// In the order in which they were given.
+    std::vector<PluginStatus> status() const;
+
+private:
+    struct OfferedMethod
+    {
+        std::string name;
+        zeb::api::CallbackMethod* method;
+        std::string description; ///< its OpenRPC method object
+    };
+    using Offer = std::vector<OfferedMethod>;
+
+    struct ServedMethod
+    {
+        zeb::api::CallbackMethod* method;
+        std::size_t plugin; ///< its index
+    };
+
+    /// What is offered at one moment; never changed once it is published.
+    struct Table
+    {
+        std::unordered_map<std::string, ServedMethod> methods;
+        std::shared_ptr<const std::string> document;
+        std::vector<PluginStatus> plugins;
+        bool all_bound = false;
+    };
+
+    void take_offer(std::size_t index, const zeb::api::KX_RPCHandler& handler);
+    static Offer make_offer(const std::string& file, const zeb::api::KX_RPCHandler& handler);
+    std::shared_ptr<const Table> table() const;
+    std::shared_ptr<const Table> make_table(const std::vector<Offer>& offers,
+                                            const std::vector<bool>& bound) const;
+    void log_conflicts(const Table& table, const std::vector<Offer>& offers, std::size_t newcomer) const;
+
+    std::vector<std::unique_ptr<Plugin>> m_plugins; ///< the same from construction to destruction
+    mutable std::mutex m_mutex;
+    std::vector<Offer> m_offers;          ///< one for each plug-in; guarded by m_mutex
+    std::vector<bool> m_bound;            ///< one for each plug-in; guarded by m_mutex
+    std::shared_ptr<const Table> m_table; ///< guarded by m_mutex
+};
+
+} // namespace zorbd
+
+#endif

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "worker_pool.h"
+
+namespace zorbd {
+
+WorkerPool::WorkerPool(std::size_t threads, std::size_t max_outstanding) : m_max_outstanding(max_outstanding)
+{
+    try {
+        start(threads);
+    } catch (...) {
+        stop();
+        throw;
+    }
+}
+
+WorkerPool::~WorkerPool()
+{
+    stop();
+}
+
+void WorkerPool::start(std::size_t threads)
+{
+    m_threads.reserve(threads);
+    while (m_threads.size() < threads)
+        m_threads.emplace_back([this] { serve(); });
+}
+
+void WorkerPool::stop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_stopping = true;
+    }
+    m_changed.notify_all();
+    for (std::thread& thread : m_threads)
+        thread.join();
+}
+
+bool WorkerPool::submit(Work& work)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_outstanding >= m_max_outstanding)
+            return false;
+        m_waiting.push_back(&work);
+        ++m_outstanding;
+    }
+    m_changed.notify_one();
+    return true;
+}
+
+bool WorkerPool::wait_idle(std::chrono::steady_clock::time_point deadline)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    return m_idle.wait_until(lock, deadline, [this] { return m_outstanding == 0; });
+}
+
+void WorkerPool::serve()
+{
+    while (Work* work = take()) {
+        work->run();
+        finish();
+        work->deliver();
+    }
+}
+
+/// The next work, once there is some; null when the pool stops and nothing is left.
+Work* WorkerPool::take()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_stopping || !m_waiting.empty(); });
+    if (m_waiting.empty())
+        return nullptr;
+    Work* work = m_waiting.front();
+    m_waiting.pop_front();
+    return work;
+}
+
+void WorkerPool::finish()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (--m_outstanding == 0)
+        m_idle.notify_all();
+}
+
+} // namespace zorbd

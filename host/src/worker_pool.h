@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_WORKER_POOL_H
+#define ZORBD_WORKER_POOL_H
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace zorbd {
+
+/// Something for a worker to do. Neither operation may throw.
+class Work
+{
+public:
+    virtual ~Work() = default;
+
+    /// The work itself.
+    virtual void run() = 0;
+    /// Tells whoever waits that it is done. By then the work counts as outstanding no more, so that a caller
+    /// who answers at once with more work finds room. The pool does not touch the object afterwards.
+    virtual void deliver() = 0;
+};
+
+/// A fixed number of threads that do work in the order in which it comes, with a bound on what waits or runs.
+class WorkerPool
+{
+public:
+    /// Starts the threads. Throws std::system_error when one cannot be started.
+    WorkerPool(std::size_t threads, std::size_t max_outstanding);
+    /// Does what is outstanding, then ends the threads.
+    ~WorkerPool();
+    WorkerPool(const WorkerPool&) = delete;
+    WorkerPool& operator=(const WorkerPool&) = delete;
+
+    /// Hands `work` over, which must live until it is delivered. False when too much is outstanding. Any
+    /// thread may call it; it does not wait.
+    bool submit(Work& work);
+
+    /// Waits until nothing is outstanding; false when the deadline passes first.
+    bool wait_idle(std::chrono::steady_clock::time_point deadline);
+
+private:
+    void start(std::size_t threads);
+    void stop();
+    void serve();
+    Work* take();
+    void finish();
+
+    const std::size_t m_max_outstanding;
+    std::mutex m_mutex;
+    std::condition_variable m_changed; ///< work came, or m_stopping
+    std::condition_variable m_idle;
+    std::deque<Work*> m_waiting;   ///< guarded by m_mutex
+    std::size_t m_outstanding = 0; ///< waiting and running; guarded by m_mutex
+    bool m_stopping = false;       ///< guarded by m_mutex
+    std::vector<std::thread> m_threads;
+};
+
+} // namespace zorbd
+
+#endif
