@@ -53,10 +53,8 @@ void HttpExchange::begin(const RequestHead& head)
     const auto decision = m_gate.check(head);
     if (const auto* refusal = std::get_if<Refusal>(&decision))
         return refuse(*refusal);
-    if (std::get<Route>(decision) == Route::json_rpc)
-        return;
-    HealthReport report = m_services.health();
-    respond(report.healthy ? MHD_HTTP_OK : MHD_HTTP_SERVICE_UNAVAILABLE, std::move(report.json));
+    if (std::get<Route>(decision) == Route::health)
+        m_stage = Stage::health_asked;
 }
 
 void HttpExchange::receive(const char* data, std::size_t size)
@@ -72,6 +70,8 @@ void HttpExchange::proceed()
     switch (m_stage) {
     case Stage::receiving:
         return hand_over();
+    case Stage::health_asked:
+        return report_health();
     case Stage::too_large:
         return refuse(m_gate.body_too_large());
     case Stage::busy:
@@ -105,6 +105,12 @@ void HttpExchange::run()
 void HttpExchange::deliver()
 {
     MHD_resume_connection(&m_connection);
+}
+
+void HttpExchange::report_health()
+{
+    HealthReport report = m_services.health();
+    respond(report.healthy ? MHD_HTTP_OK : MHD_HTTP_SERVICE_UNAVAILABLE, std::move(report.json));
 }
 
 void HttpExchange::refuse(const Refusal& refusal)

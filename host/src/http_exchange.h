@@ -19,7 +19,8 @@ public:
     HttpExchange(MHD_Connection& connection, ConnectionRegistry::Connection& registered,
                  const RequestGate& gate, const HttpServices& services);
 
-    /// Decides on the request by its head, and answers it when that is enough to do so.
+    /// Decides on the request by its head. A refusal is answered at once; the connection is closed after it, so
+    /// the body need not be read.
     void begin(const RequestHead& head);
     /// Takes a part of the body in.
     void receive(const char* data, std::size_t size);
@@ -31,9 +32,10 @@ public:
     void deliver() override;
 
 private:
-    enum class Stage { receiving, too_large, worked, busy };
+    enum class Stage { receiving, health_asked, too_large, worked, busy };
 
     void hand_over();
+    void report_health();
     void refuse(const Refusal& refusal);
     void refuse_busy(const char* cause);
     void respond_with_answer();
