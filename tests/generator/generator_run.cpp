@@ -10,7 +10,9 @@ GeneratorRun::GeneratorRun(const std::string& text)
     : m_input(m_folder.write("sample.idl", text)), m_output(m_folder.path() / "output")
 {
     std::filesystem::create_directory(m_output);
-    test_support::ChildProcess omniidl({OMNIIDL, "-p" GENERATOR_FOLDER, "-bddsrmi_be", "-I" IDL_FOLDER,
+    const std::string generator = GENERATOR_FOLDER;
+    const std::string includes = IDL_FOLDER;
+    test_support::ChildProcess omniidl({OMNIIDL, "-p" + generator, "-bddsrmi_be", "-I" + includes,
                                         "-C" + m_output.string(), m_input.string()},
                                        {{"PYTHONDONTWRITEBYTECODE", "1"}});
     m_exit_code = omniidl.wait_for_exit().value_or(-1);

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -21,9 +22,18 @@ namespace rmi = org::opensplice::DDS_RMI;
 constexpr std::size_t one_mebibyte = std::size_t{1024} * 1024;
 
 template <class Value>
+std::array<unsigned char, sizeof(Value)> bytes_of(const Value& value)
+{
+    std::array<unsigned char, sizeof(Value)> bytes;
+    std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+/// Compares bytes, so that a NaN is itself and 0 is not -0.
+template <class Value>
 bool is_same(const Value& first, const Value& second)
 {
-    return std::memcmp(&first, &second, sizeof first) == 0; // so that a NaN is itself, and 0 is not -0
+    return bytes_of(first) == bytes_of(second);
 }
 
 template <class Value>

@@ -26,7 +26,7 @@ inline DDS::String text(const std::string& value)
 /// The text of a result, which is freed.
 inline std::string taken(DDS::String result)
 {
-    const std::string value = result;
+    std::string value = result;
     DDS::string_free(result);
     return value;
 }
@@ -54,7 +54,7 @@ private:
 /// A client of the probe server, which is a process of its own in a domain of its own.
 class Client : public testing::Test
 {
-protected:
+public:
     Client() : m_server({PROBE_SERVER}), m_runtime(rmi::CRuntime::getDefaultRuntime())
     {
         const char* options[] = {"client", "--RMIServiceDiscoveryTimeout=60"};
@@ -68,6 +68,7 @@ protected:
         EXPECT_EQ(m_server.wait_for_exit(), 0) << m_server.error_output();
     }
 
+protected:
     void SetUp() override { ASSERT_TRUE(m_is_up); }
 
     /// Throws SERVICE_NOT_FOUND.
