@@ -14,7 +14,7 @@ get_filename_component(DDSRMI_GENERATOR_FOLDER ${CMAKE_CURRENT_LIST_DIR}/../ddsr
 function(ddsrmi_compile_topics target idl)
     cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "DEPENDS")
     get_filename_component(idl ${idl} ABSOLUTE)
-    get_filename_component(stem ${idl} NAME_WE)
+    get_filename_component(stem ${idl} NAME_WLE)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/generated)
     file(MAKE_DIRECTORY ${folder})
 
@@ -43,7 +43,7 @@ function(rmi_interface_library target)
         message(FATAL_ERROR "rmi_interface_library(${target} ...): use rmi_interface_library(<target> IDL <file>)")
     endif()
     get_filename_component(idl ${arg_IDL} ABSOLUTE)
-    get_filename_component(stem ${idl} NAME_WE)
+    get_filename_component(stem ${idl} NAME_WLE)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/generated)
     file(MAKE_DIRECTORY ${folder})
 

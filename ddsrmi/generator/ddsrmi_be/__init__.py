@@ -37,5 +37,5 @@ def _files(source, interfaces):
 
 
 def _write(name, text):
-    with open(name, "w", encoding="ascii") as output:
+    with open(name, "w", encoding="utf-8") as output:
         output.write(text)
