@@ -60,14 +60,18 @@ std::string Daemon::where() const
     return text;
 }
 
-bool Daemon::stop(std::chrono::steady_clock::time_point deadline)
+void Daemon::refuse_calls()
 {
     for (const auto& server : m_servers)
         server->quiesce();
     m_connections.close();
-    const bool binding_over = m_plugins.stop_binding(deadline);
-    const bool calls_over = m_connections.wait_none(ConnectionPhase::working, deadline);
-    if (!binding_over || !calls_over)
+    m_plugins.stop_binding();
+}
+
+bool Daemon::finish(std::chrono::steady_clock::time_point deadline)
+{
+    if (!m_connections.wait_none(ConnectionPhase::working, deadline) ||
+        !m_plugins.wait_binding_over(deadline))
         return false;
     m_connections.wait_none(ConnectionPhase::sending, deadline); // a client that does not read is simply cut
     return true;

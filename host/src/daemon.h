@@ -28,10 +28,13 @@ public:
     /// Where it serves, for people.
     std::string where() const;
 
-    /// Takes no further connections and calls, and waits for the calls that run and for their responses to be
-    /// sent. False when a call, or a plug-in's factory, was still running at the deadline: the object must
-    /// not be destroyed then.
-    bool stop(std::chrono::steady_clock::time_point deadline);
+    /// Takes no further connections and calls, and makes no further attempt to bind. Does not wait.
+    void refuse_calls();
+
+    /// After refuse_calls(): waits for the calls that run and for their responses to be sent. False when a
+    /// call, or a plug-in's factory, was still running at the deadline: the object must not be destroyed
+    /// then.
+    bool finish(std::chrono::steady_clock::time_point deadline);
 
 private:
     void serve(int socket, AccessRules rules);

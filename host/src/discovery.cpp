@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "discovery.h"
 
-#include <json-c/linkhash.h>
 #include <json-c/json_tokener.h>
+#include <json-c/linkhash.h>
 
 #include <new>
 
@@ -18,9 +18,8 @@ JsonValue default_method_object()
 {
     JsonValue object(json_tokener_parse(R"({
         "name": "",
-        "paramStructure": "by-name",
         "params": [],
-        "result": {"name": "result", "schema": {"type": "integer"}}
+        "result": {"name": "result", "schema": {}}
     })"));
     if (object == nullptr)
         throw std::bad_alloc();

@@ -19,8 +19,8 @@ public:
     HttpExchange(MHD_Connection& connection, ConnectionRegistry::Connection& registered,
                  const RequestGate& gate, const HttpServices& services);
 
-    /// Decides on the request by its head. A refusal is answered at once; the connection is closed after it, so
-    /// the body need not be read.
+    /// Decides on the request by its head. A refusal is answered at once; the connection is closed after it,
+    /// so the body need not be read.
     void begin(const RequestHead& head);
     /// Takes a part of the body in.
     void receive(const char* data, std::size_t size);

@@ -32,7 +32,7 @@ void prepare(const Options& options)
 {
     std::signal(SIGPIPE, SIG_IGN);
     allow_open_files(options.connections.total + other_files);
-    zeb::api::mdw::setServiceDiscoveryTimeout(static_cast<int>(options.discovery_timeout.count()));
+    zeb::api::mdw::setServiceDiscoveryTimeout(options.discovery_timeout);
 }
 
 void announce_ready(const Daemon& daemon)
@@ -43,7 +43,7 @@ void announce_ready(const Daemon& daemon)
 
 void announce_stop(int signal)
 {
-    log_message(std::string("stopping after ") + ::strsignal(signal));
+    log_message(std::string("stopping after ") + ::strsignal(signal) + "; no further calls are taken");
     notify_service_manager("STOPPING=1");
 }
 
@@ -60,8 +60,10 @@ int serve_until_stopped(const Options& options)
     prepare(options);
     Daemon daemon(options);
     announce_ready(daemon);
-    announce_stop(signals.wait());
-    if (!daemon.stop(std::chrono::steady_clock::now() + options.stop_timeout))
+    const int signal = signals.wait();
+    daemon.refuse_calls();
+    announce_stop(signal);
+    if (!daemon.finish(std::chrono::steady_clock::now() + options.stop_timeout))
         stop_out_of_order();
     return exit_stopped;
 }

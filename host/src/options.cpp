@@ -6,8 +6,10 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <ostream>
+#include <sstream>
 #include <stdexcept>
 
+#include "duration_text.h"
 #include "exit_code.h"
 #include "message_log.h"
 #include "version.h"
@@ -56,29 +58,33 @@ gid_t parse_group(const std::string& name)
     throw std::invalid_argument("there is no group '" + name + "'");
 }
 
-std::string seconds_text(std::chrono::milliseconds duration)
+template <class Number>
+CLI::Range between(Number low, Number high)
 {
-    std::ostringstream text;
-    text << static_cast<double>(duration.count()) / 1000;
-    return text.str();
+    std::ostringstream range;
+    range << low << ".." << high;
+    CLI::Range check(low, high);
+    check.description(range.str());
+    return check;
 }
 
 template <class Number>
 void add_number(CLI::App& app, const char* name, Number& target, Number low, Number high, const char* help)
 {
-    app.add_option(name, target, help)->check(CLI::Range(low, high))->capture_default_str();
+    app.add_option(name, target, help)->type_name("NUMBER")->check(between(low, high))->capture_default_str();
 }
 
 /// An option in seconds, which may have a fraction.
-template <class Duration>
-void add_seconds(CLI::App& app, const char* name, Duration& target, double low, double high, const char* help)
+void add_seconds(CLI::App& app, const char* name, std::chrono::milliseconds& target, double low, double high,
+                 const char* help)
 {
     const auto set = [&target](double seconds) {
-        target = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds));
+        target =
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
     };
     app.add_option_function<double>(name, set, help)
         ->type_name("SECONDS")
-        ->check(CLI::Range(low, high))
+        ->check(between(low, high))
         ->default_str(seconds_text(target));
 }
 
@@ -139,8 +145,9 @@ void add_plugins(CLI::App& app, Options& options)
         ->type_name("FILE")
         ->required()
         ->allow_extra_args(false);
-    add_seconds(app, "--discovery-timeout", options.discovery_timeout, -1, 3600,
-                "How long a plug-in looks for its remote service before it counts as not bound; -1 for ever");
+    add_number(app, "--discovery-timeout", options.discovery_timeout, -1, 3600,
+               "Seconds for which a plug-in looks for its remote service before it counts as not bound; -1 "
+               "for ever");
     add_seconds(app, "--retry-pause", options.binding_pauses.first, 0.01, 3600,
                 "Pause before an unbound plug-in is tried again; doubles each time");
     add_seconds(app, "--retry-pause-max", options.binding_pauses.longest, 0.01, 3600, "Longest such pause");

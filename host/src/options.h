@@ -34,9 +34,9 @@ struct Options
     DispatchLimits dispatch;
     ConnectionLimits connections;
 
-    std::chrono::seconds discovery_timeout{10};
+    int discovery_timeout = 10; ///< seconds; -1 for ever
     BindingPauses binding_pauses;
-    std::chrono::seconds stop_timeout{15};
+    std::chrono::milliseconds stop_timeout{15000};
 };
 
 /// Reads the command line and the configuration file that it may name. Gives the exit code instead when the

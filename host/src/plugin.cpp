@@ -4,21 +4,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "duration_text.h"
 #include "message_log.h"
 
 namespace zorbd {
-namespace {
-
-std::string seconds_text(std::chrono::milliseconds duration)
-{
-    std::string text = std::to_string(duration.count() / 1000);
-    if (const auto rest = duration.count() % 1000)
-        text += '.' + std::to_string(1000 + rest).substr(1);
-    return text + " s";
-}
-
-} // namespace
-
 Plugin::Plugin(std::string file, BindingPauses pauses) : m_library(std::move(file)), m_pauses(pauses) {}
 
 Plugin::~Plugin()
@@ -111,7 +100,7 @@ void Plugin::pause(const std::string& cause, std::chrono::milliseconds duration)
     if (!is_binding_wanted())
         return;
     log_message("plug-in " + file() + " is not bound: " + cause + "; next attempt in " +
-                seconds_text(duration));
+                seconds_text(duration) + " s");
     std::unique_lock<std::mutex> lock(m_mutex);
     m_changed.wait_for(lock, duration, [this] { return m_wanted != Wanted::binding; });
 }

@@ -40,10 +40,14 @@ void PluginSet::start()
         m_plugins[i]->start([this, i](zeb::api::KX_RPCHandler& handler) { take_offer(i, handler); });
 }
 
-bool PluginSet::stop_binding(std::chrono::steady_clock::time_point deadline)
+void PluginSet::stop_binding()
 {
     for (const auto& plugin : m_plugins)
         plugin->stop_binding();
+}
+
+bool PluginSet::wait_binding_over(std::chrono::steady_clock::time_point deadline)
+{
     return std::all_of(m_plugins.begin(), m_plugins.end(),
                        [deadline](const auto& plugin) { return plugin->wait_binding_over(deadline); });
 }

@@ -34,9 +34,10 @@ public:
 
     /// Starts to bind them all, each on a thread of its own. Throws std::system_error.
     void start();
-    /// Makes no further attempt to bind; bound plug-ins stay callable. False when an attempt was still
-    /// running at the deadline.
-    bool stop_binding(std::chrono::steady_clock::time_point deadline);
+    /// Makes no further attempt to bind; bound plug-ins stay callable. Does not wait.
+    void stop_binding();
+    /// Waits for attempts that still run; false when the deadline passes first.
+    bool wait_binding_over(std::chrono::steady_clock::time_point deadline);
     /// Deletes the handlers, the last plug-in's first. No method may run any more.
     void release();
 

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -181,6 +182,11 @@ struct Thrown
     const char* data;
 };
 
+void PrintTo(const Thrown& example, std::ostream* out)
+{
+    *out << example.name;
+}
+
 class ThrownByAMethod : public dispatcher, public testing::WithParamInterface<Thrown>
 {
 };
@@ -237,6 +243,11 @@ struct Invalid
     const char* request;
     const char* id;
 };
+
+void PrintTo(const Invalid& example, std::ostream* out)
+{
+    *out << example.name;
+}
 
 class InvalidRequest : public dispatcher, public testing::WithParamInterface<Invalid>
 {

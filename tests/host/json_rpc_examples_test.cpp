@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <ostream>
 #include <string>
 
 #include "dispatcher.h"
@@ -44,6 +45,11 @@ struct Example
     const char* request;
     const char* response; ///< empty: none
 };
+
+void PrintTo(const Example& example, std::ostream* out)
+{
+    *out << example.name;
+}
 
 constexpr Example examples[] = {
     {"positional_parameters", R"({"jsonrpc": "2.0", "method": "subtract", "params": [42, 23], "id": 1})",

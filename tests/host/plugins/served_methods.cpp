@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+// A plug-in that is bound at once, with methods for all that a test wants to see from outside.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+#include "zeb/api/KX_RPCHandler.h"
+#include "zeb/api/RpcMethod.h"
+
+namespace {
+
+using Json = zeb::api::data::KX_JSON;
+
+class Methods
+{
+public:
+    int seven(const Json& /*in*/, Json& /*out*/) { return 7; }
+
+    int echo(const Json& in, Json& out)
+    {
+        out.set_json_object("result", in.get_json_object("params"));
+        return 0;
+    }
+
+    int refuse(const Json& /*in*/, Json& /*out*/) { throw std::invalid_argument("no such thing"); }
+
+    /// Runs until somebody opens the FIFO that "params" names and closes it again.
+    int hold(const Json& in, Json& /*out*/)
+    {
+        const std::string fifo = in.get_json_object("params").get_json_string("fifo");
+        std::cout << "holding" << std::endl;
+        const int opened = open(fifo.c_str(), O_RDONLY | O_CLOEXEC);
+        close(opened);
+        std::cout << "released" << std::endl;
+        return 1;
+    }
+};
+
+class Handler : public zeb::api::KX_RPCHandler
+{
+public:
+    Handler()
+    {
+        add("seven", &Methods::seven);
+        add("echo", &Methods::echo);
+        add("refuse", &Methods::refuse);
+        add("hold", &Methods::hold);
+        std::cout << "served_methods made" << std::endl;
+    }
+    ~Handler() override { std::cout << "served_methods deleted" << std::endl; }
+
+private:
+    void add(const char* name, int (Methods::*method)(const Json&, Json&))
+    {
+        AddMethod(new zeb::api::RpcMethod<Methods>(name, &m_methods, method, Json(nullptr)));
+    }
+
+    Methods m_methods;
+};
+
+struct Unloading
+{
+    ~Unloading() { std::cout << "served_methods unloaded" << std::endl; }
+} unloading;
+
+} // namespace
+
+extern "C" zeb::api::KX_RPCHandler* RPCHandler()
+{
+    return new Handler;
+}
