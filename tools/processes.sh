@@ -9,7 +9,8 @@ started=()
 start() {
     local log=$1
     shift
-    setsid "$@" >"$log" 2>&1 </dev/null &
+    : >"$log" # there for those who follow it, however late the process starts
+    setsid "$@" >>"$log" 2>&1 </dev/null &
     started+=($!)
 }
 

@@ -9,6 +9,5 @@ rpc_request() {
 
 # rpc_send <address> <request>: gives the response, or what curl has to say against it.
 rpc_send() {
-    curl --silent --show-error --noproxy '*' --max-time 30 --header 'Content-Type: application/json' \
-        --data "$2" "http://$1/" 2>&1
+    curl --silent --show-error --noproxy '*' --max-time 30 --json "$2" "http://$1/" 2>&1
 }

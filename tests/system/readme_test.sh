@@ -13,7 +13,7 @@ source tests/system/assertions.sh
 folder=$(mktemp -d)
 trap 'stop_all; rm -rf "$folder"' EXIT
 use_loopback_domain "$folder"
-readonly bound=60 # seconds
+readonly bound=30 # seconds
 # Nobody else has the domain, so nobody else has the port either.
 readonly port=$((28000 + domain))
 
@@ -32,7 +32,7 @@ as_typed() {
          s#^curl #curl --silent --show-error --noproxy '*' --max-time 60 #"
 }
 
-type_line() {
+type_command() {
     case $1 in
     *' &') eval "start $folder/${#started[@]}.log ${1% &}" ;;
     curl*) expect "answer to: $1" contains "$(eval "$1" 2>&1)" '"result":0' ;;
@@ -41,11 +41,11 @@ type_line() {
 }
 
 type_first_call() {
-    local line typed=()
+    local command typed=()
     mapfile -t typed < <(fenced sh "A first call" | as_typed)
-    for line in "${typed[@]}"; do
-        [[ $line == curl* && -z ${follower:-} ]] && wait_for_host
-        type_line "$line"
+    for command in "${typed[@]}"; do
+        [[ $command == curl* && -z ${follower:-} ]] && wait_for_host
+        type_command "$command"
     done
 }
 
