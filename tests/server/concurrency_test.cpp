@@ -19,6 +19,7 @@ template <class Work>
 void in_parallel(Work work)
 {
     std::vector<std::thread> threads;
+    threads.reserve(workers);
     for (int worker = 0; worker < workers; ++worker)
         threads.emplace_back([work, worker] { work(worker); });
     for (std::thread& thread : threads)
@@ -53,8 +54,9 @@ TEST_F(ConcurrentCalls, see_a_configuration_of_one_caller_whole)
 
     in_parallel([&](int worker) {
         const std::string value = std::to_string(worker);
+        const std::string new_config = std::string("x=").append(value).append(";y=").append(value);
         for (int round = 0; round < rounds; ++round) {
-            network.node_set_config_revert(a, "x=" + value + ";y=" + value, 1 + round % 3);
+            network.node_set_config_revert(a, new_config, 1 + round % 3);
             const std::string config = network.node_get_config(a).detail;
             if (!config.empty() && config[2] != config.back())
                 ++torn;
