@@ -27,6 +27,7 @@ template <class Sample>
 class PlainReply : public ReplySample
 {
 public:
+    ~PlainReply() override = default;
     Sample value = Sample();
     void* sample() override { return &value; }
 };

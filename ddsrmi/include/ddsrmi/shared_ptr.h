@@ -29,7 +29,8 @@ public:
 
     shared_ptr& operator=(const shared_ptr& other)
     {
-        reset(other.m_object);
+        if (this != &other)
+            reset(other.m_object);
         return *this;
     }
 

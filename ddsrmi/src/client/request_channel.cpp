@@ -137,6 +137,7 @@ void RequestChannel::run()
         while (!m_closed) {
             m_loop.dispatch(time_to_next_task());
             give_up_the_overdue();
+            greet_servers();
             tend_links();
         }
     } catch (...) {
@@ -156,6 +157,8 @@ std::chrono::nanoseconds RequestChannel::time_to_next_task()
     auto next = m_outstanding.plan_wake_up(now);
     if (m_candidate != nullptr && m_watch.live().size() > 1)
         next = std::min(next, m_candidate_patience);
+    for (const Link& link : m_links)
+        next = std::min(next, link->greeting_due());
     if (m_links_need_care)
         next = now;
     return std::max(next, now) - now;
@@ -189,6 +192,12 @@ void RequestChannel::deliver(const ServerLink& link, std::size_t operation, cons
     } catch (...) {
         report_current_exception(std::string("the reply hook of ") + m_interface.operations[operation].name);
     }
+}
+
+void RequestChannel::greet_servers()
+{
+    for (const Link& link : m_links)
+        link->send_due_greetings(Clock::now());
 }
 
 void RequestChannel::tend_links()

@@ -65,6 +65,7 @@ private:
 
     void deliver(const ServerLink& link, std::size_t operation, const void* sample);
 
+    void greet_servers();
     void tend_links();
     const Announcement* better_server(bool next_please) const;
     std::string connected_path() const;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "dds/greeting.h"
 #include "dds/loan.h"
 #include "dds/path_name.h"
 #include "dds/qos.h"
@@ -11,6 +12,10 @@
 namespace org::opensplice::DDS_RMI {
 
 namespace {
+
+// A reader learns the state of a new writer some 10 ms after it has matched it; what is written before may be
+// lost and come only 200 ms later.
+constexpr std::chrono::milliseconds greeting_delay{20};
 
 std::uint64_t next_number()
 {
@@ -40,6 +45,7 @@ ServerLink::Exchange ServerLink::make_exchange(const Entity& participant, const 
     set_path_name(writer_qos, m_path);
 
     Exchange exchange;
+    exchange.operation = &operation;
     exchange.request_topic = create_topic(participant, *operation.request_type, operation.request_topic);
     exchange.reply_topic = create_topic(participant, *operation.reply_type, operation.reply_topic);
     exchange.reply_reader = Entity(dds_create_reader(m_subscriber.get(), exchange.reply_topic.get(),
@@ -80,9 +86,11 @@ void ServerLink::on_reader_event(std::size_t operation)
     dds_get_status_changes(reader, &changes);
     if ((changes & DDS_SUBSCRIPTION_MATCHED_STATUS) != 0)
         check_reader(exchange);
-    take_all(reader, [this, operation](const void* sample, const dds_sample_info_t& info) {
+    take_all(reader, [&](const void* sample, const dds_sample_info_t& info) {
         if (info.valid_data)
             m_on_reply(operation, sample);
+        else if (is_greeting(info))
+            on_greeting(exchange);
     });
 }
 
@@ -91,7 +99,7 @@ void ServerLink::check_writer(Exchange& exchange)
     dds_publication_matched_status_t status{};
     dds_get_publication_matched_status(exchange.request_writer.get(), &status);
     exchange.writer_matched = status.current_count > 0;
-    check_connected();
+    on_match_change();
 }
 
 void ServerLink::check_reader(Exchange& exchange)
@@ -99,14 +107,43 @@ void ServerLink::check_reader(Exchange& exchange)
     dds_subscription_matched_status_t status{};
     dds_get_subscription_matched_status(exchange.reply_reader.get(), &status);
     exchange.reader_matched = status.current_count > 0;
-    check_connected();
+    on_match_change();
 }
 
-void ServerLink::check_connected()
+void ServerLink::on_match_change()
 {
-    const bool connected = std::all_of(m_exchanges.begin(), m_exchanges.end(), [](const Exchange& exchange) {
+    const bool matched = std::all_of(m_exchanges.begin(), m_exchanges.end(), [](const Exchange& exchange) {
         return exchange.writer_matched && exchange.reader_matched;
     });
+    if (matched == m_matched)
+        return;
+    m_matched = matched;
+    m_greeting_due = matched ? Clock::now() + greeting_delay : Clock::time_point::max();
+    for (Exchange& exchange : m_exchanges)
+        exchange.greeted = false;
+    update_connected();
+}
+
+void ServerLink::send_due_greetings(Clock::time_point now)
+{
+    if (now < m_greeting_due)
+        return;
+    m_greeting_due = Clock::time_point::max();
+    for (const Exchange& exchange : m_exchanges)
+        send_greeting(exchange.request_writer.get(), *exchange.operation->request_type);
+}
+
+void ServerLink::on_greeting(Exchange& exchange)
+{
+    exchange.greeted = true;
+    update_connected();
+}
+
+void ServerLink::update_connected()
+{
+    const bool connected =
+        m_matched && std::all_of(m_exchanges.begin(), m_exchanges.end(),
+                                 [](const Exchange& exchange) { return exchange.greeted; });
     if (m_connected.exchange(connected, std::memory_order_acq_rel) != connected)
         m_on_change();
 }

@@ -21,6 +21,7 @@ namespace org::opensplice::DDS_RMI {
 class ServerLink
 {
 public:
+    using Clock = std::chrono::steady_clock;
     using OnReply = std::function<void(std::size_t operation, const void* sample)>;
 
     ServerLink(const Entity& participant, const InterfaceInfo& interface_info, const Announcement& server,
@@ -30,12 +31,16 @@ public:
     /// `on_change` when connected() may have changed.
     void attach(EventLoop& loop, const OnReply& on_reply, const std::function<void()>& on_change);
 
+    /// When send_due_greetings() is to be called next. Both are for the loop's thread.
+    Clock::time_point greeting_due() const { return m_greeting_due; }
+    void send_due_greetings(Clock::time_point now);
+
     /// Different for every link of the process.
     std::uint64_t number() const { return m_number; }
     const Announcement& server() const { return m_server; }
 
-    /// Whether every request writer has a reader and every reply reader has a writer at the server. Any
-    /// thread.
+    /// Whether every operation's request writer and reply reader have their counterparts at the server, and
+    /// greetings have passed between them. Any thread.
     bool connected() const { return m_connected.load(std::memory_order_acquire); }
 
     /// A Cyclone return code. Any thread.
@@ -44,12 +49,14 @@ public:
 private:
     struct Exchange
     {
+        const OperationInfo* operation = nullptr;
         Entity request_topic;
         Entity request_writer;
         bool writer_matched = false;
         Entity reply_topic;
         Entity reply_reader;
         bool reader_matched = false;
+        bool greeted = false; ///< by the server, since all is matched
     };
 
     Exchange make_exchange(const Entity& participant, const OperationInfo& operation,
@@ -57,14 +64,18 @@ private:
     void on_reader_event(std::size_t operation);
     void check_writer(Exchange& exchange);
     void check_reader(Exchange& exchange);
-    void check_connected();
+    void on_match_change();
+    void on_greeting(Exchange& exchange);
+    void update_connected();
 
     const std::uint64_t m_number;
     const Announcement m_server;
     const std::string m_path;
     Entity m_publisher;
     Entity m_subscriber;
-    std::vector<Exchange> m_exchanges; // the matched flags belong to the loop's thread
+    std::vector<Exchange> m_exchanges;                           // their flags belong to the loop's thread
+    Clock::time_point m_greeting_due = Clock::time_point::max(); // belongs to the loop's thread
+    bool m_matched = false; // belongs to the loop's thread; whether every exchange is
     std::atomic<bool> m_connected{false};
     OnReply m_on_reply;
     std::function<void()> m_on_change;

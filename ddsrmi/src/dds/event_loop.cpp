@@ -33,28 +33,30 @@ EventLoop::Attachment EventLoop::attach(dds_entity_t entity, Action action)
     return attachment;
 }
 
-void EventLoop::dispatch(std::chrono::nanoseconds timeout)
+std::size_t EventLoop::dispatch(std::chrono::nanoseconds timeout)
 {
     std::array<dds_attach_t, 64> triggered{};
     const dds_return_t count =
         check(dds_waitset_wait(m_waitset.get(), triggered.data(), triggered.size(), timeout.count()),
               "cannot wait");
     const auto known = std::min(static_cast<std::size_t>(count), triggered.size());
+    std::size_t actions = 0;
     for (std::size_t i = 0; i < known; ++i) {
         if (triggered[i] == wake_up_id) {
             bool was_triggered = false;
             dds_take_guardcondition(m_wake_up.get(), &was_triggered);
-        } else {
-            run_action(triggered[i]);
+        } else if (run_action(triggered[i])) {
+            ++actions;
         }
     }
+    return actions;
 }
 
-void EventLoop::run_action(dds_attach_t id)
+bool EventLoop::run_action(dds_attach_t id)
 {
     const auto action = begin_action(id);
     if (action == nullptr)
-        return;
+        return false;
     struct End
     {
         EventLoop& loop;
@@ -62,6 +64,7 @@ void EventLoop::run_action(dds_attach_t id)
     };
     const End end{*this};
     (*action)();
+    return true;
 }
 
 std::shared_ptr<EventLoop::Action> EventLoop::begin_action(dds_attach_t id)

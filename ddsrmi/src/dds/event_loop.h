@@ -48,14 +48,14 @@ public:
     Attachment attach(dds_entity_t entity, Action action);
 
     /// Waits until something is triggered, wake() has been called or `timeout` has passed, and runs the
-    /// actions of what was triggered.
-    void dispatch(std::chrono::nanoseconds timeout);
+    /// actions of what was triggered. Gives how many that were.
+    std::size_t dispatch(std::chrono::nanoseconds timeout);
 
     /// Lets the current or the next dispatch() return.
     void wake();
 
 private:
-    void run_action(dds_attach_t id);
+    bool run_action(dds_attach_t id);
     std::shared_ptr<Action> begin_action(dds_attach_t id);
     void end_action();
     void detach(dds_entity_t entity, dds_attach_t id);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "dds/greeting.h"
 #include "dds/qos.h"
 #include "dds/topics.h"
 
@@ -50,6 +51,7 @@ ClientPath::~ClientPath()
 ClientPath::Lane ClientPath::make_lane(const Entity& participant, const OperationInfo& operation) const
 {
     Lane lane;
+    lane.operation = &operation;
     lane.topic = create_topic(participant, *operation.reply_type, operation.reply_topic);
     lane.writer = Entity(dds_create_writer(m_publisher.get(), lane.topic.get(),
                                            exchange_qos(std::chrono::nanoseconds::zero()).get(), nullptr),
@@ -59,11 +61,20 @@ ClientPath::Lane ClientPath::make_lane(const Entity& participant, const Operatio
     return lane;
 }
 
+void ClientPath::greet(std::size_t operation)
+{
+    const std::lock_guard lock(m_mutex);
+    Lane& lane = m_lanes[operation];
+    lane.owes_greeting = true;
+    if (lane.matched)
+        flush(lane);
+}
+
 void ClientPath::send(std::size_t operation, OutgoingReply reply)
 {
     const std::lock_guard lock(m_mutex);
     Lane& lane = m_lanes[operation];
-    if (!lane.matched || !lane.waiting.empty() || !write(lane, reply))
+    if (!lane.matched || is_lagging(lane) || !write(lane, reply))
         keep(lane, std::move(reply));
 }
 
@@ -110,11 +121,20 @@ bool ClientPath::write(Lane& lane, OutgoingReply& reply)
     return true;
 }
 
+// False when Cyclone's queue is full.
+bool ClientPath::pay_greeting(Lane& lane) const
+{
+    if (lane.owes_greeting)
+        lane.owes_greeting =
+            send_greeting(lane.writer.get(), *lane.operation->reply_type) == DDS_RETCODE_TIMEOUT;
+    return !lane.owes_greeting;
+}
+
 void ClientPath::flush(Lane& lane)
 {
-    while (!lane.waiting.empty() && write(lane, lane.waiting.front().reply))
+    while (pay_greeting(lane) && !lane.waiting.empty() && write(lane, lane.waiting.front().reply))
         lane.waiting.pop_front();
-    if (!lane.waiting.empty())
+    if (is_lagging(lane))
         begin_catching_up();
 }
 
@@ -144,7 +164,7 @@ void ClientPath::catch_up()
 ClientPath::Lane* ClientPath::lagging_lane()
 {
     const auto found = std::find_if(m_lanes.begin(), m_lanes.end(),
-                                    [](const Lane& lane) { return lane.matched && !lane.waiting.empty(); });
+                                    [](const Lane& lane) { return lane.matched && is_lagging(lane); });
     return found == m_lanes.end() ? nullptr : &*found;
 }
 

@@ -32,6 +32,9 @@ public:
     ClientPath(const ClientPath&) = delete;
     ClientPath& operator=(const ClientPath&) = delete;
 
+    /// Answers the client's greeting, as soon as its reply reader is matched. Any thread.
+    void greet(std::size_t operation);
+
     /// Any thread.
     void send(std::size_t operation, OutgoingReply reply);
 
@@ -43,16 +46,20 @@ private:
     };
     struct Lane
     {
+        const OperationInfo* operation = nullptr;
         Entity topic;
         Entity writer;
         bool matched = false;
+        bool owes_greeting = false;
         std::deque<Waiting> waiting;
     };
 
     Lane make_lane(const Entity& participant, const OperationInfo& operation) const;
+    static bool is_lagging(const Lane& lane) { return lane.owes_greeting || !lane.waiting.empty(); }
     void on_match(Lane& lane);
     void keep(Lane& lane, OutgoingReply reply);
     void keep_unmatched_bounded(Lane& lane);
+    bool pay_greeting(Lane& lane) const;
     bool write(Lane& lane, OutgoingReply& reply);
     void flush(Lane& lane);
     void begin_catching_up();

@@ -11,6 +11,13 @@
 
 namespace org::opensplice::DDS_RMI {
 
+namespace {
+
+// Under a steady load there is always something new; then what has come is run.
+constexpr std::size_t most_rounds = 8;
+
+} // namespace
+
 // Shared by the threads, so that one which outlives the team object still has it.
 class RequestTeam::Crew
 {
@@ -22,14 +29,7 @@ public:
 
     EventLoop& arrivals() { return m_arrivals; }
 
-    void push(Job job)
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_jobs.push_back(std::move(job));
-        }
-        m_work.notify_one();
-    }
+    void arrived(Job job) { m_arrived.push_back(std::move(job)); }
 
     void work()
     {
@@ -69,11 +69,18 @@ private:
             if (!m_jobs.empty())
                 return begin_first();
             if (m_someone_waits_for_arrivals)
-                m_work.wait(lock);
+                wait_for_work(lock);
             else
                 wait_for_arrivals(lock);
         }
         return std::nullopt;
+    }
+
+    void wait_for_work(std::unique_lock<std::mutex>& lock)
+    {
+        ++m_idle;
+        m_work.wait(lock);
+        --m_idle;
     }
 
     Job begin_first()
@@ -89,13 +96,30 @@ private:
         m_someone_waits_for_arrivals = true;
         lock.unlock();
         try {
-            m_arrivals.dispatch(std::chrono::nanoseconds::max());
+            take_arrivals_in();
         } catch (...) {
             report_current_exception("taking requests in");
         }
         lock.lock();
         m_someone_waits_for_arrivals = false;
-        m_work.notify_one();
+        std::move(m_arrived.begin(), m_arrived.end(), std::back_inserter(m_jobs));
+        const std::size_t new_jobs = m_arrived.size();
+        m_arrived.clear();
+        // This thread takes the first job; each other one, and the waiting, is for somebody else.
+        for (std::size_t i = 0; i < std::min(new_jobs, m_idle) || i == 0; ++i)
+            m_work.notify_one();
+    }
+
+    // A request that was sent earlier than one that is here has arrived too, but perhaps after its reader had
+    // been looked at; so it is looked again until there is nothing new.
+    void take_arrivals_in()
+    {
+        std::size_t rounds = 0;
+        auto timeout = std::chrono::nanoseconds::max();
+        while (m_arrivals.dispatch(timeout) > 0 && ++rounds < most_rounds)
+            timeout = std::chrono::nanoseconds::zero();
+        std::stable_sort(m_arrived.begin(), m_arrived.end(),
+                         [](const Job& one, const Job& other) { return one.sent < other.sent; });
     }
 
     static void run(const Job& job)
@@ -125,11 +149,14 @@ private:
 
     const std::shared_ptr<Entity> m_participant;
     EventLoop m_arrivals;
+    std::vector<Job> m_arrived; // belongs to the thread that waits for arrivals
+
     std::mutex m_mutex; // guards all below
     std::condition_variable m_work;
     std::condition_variable m_finished;
     std::deque<Job> m_jobs;
     std::map<std::thread::id, const void*> m_running;
+    std::size_t m_idle = 0;
     bool m_someone_waits_for_arrivals = false;
     bool m_ending = false;
 };
@@ -157,9 +184,9 @@ EventLoop& RequestTeam::arrivals()
     return m_crew->arrivals();
 }
 
-void RequestTeam::push(Job job)
+void RequestTeam::arrived(Job job)
 {
-    m_crew->push(std::move(job));
+    m_crew->arrived(std::move(job));
 }
 
 void RequestTeam::forget(const void* owner)

@@ -18,13 +18,17 @@ namespace org::opensplice::DDS_RMI {
 /// The threads that run implementations. One of them at a time waits for requests to arrive; it takes them
 /// in, leaves the waiting to the next and goes on to run what has come, so that with a single thread a
 /// request is run where it was taken.
+///
+/// What has arrived together is run in the order in which it was sent: a client's calls of different
+/// operations come on different topics, between which DDS keeps no order.
 class RequestTeam
 {
 public:
-    /// What is run: `owner` tells whose it is.
+    /// What is run: `owner` tells whose it is, `sent` when it was sent.
     struct Job
     {
         const void* owner;
+        dds_time_t sent;
         std::function<void()> work;
     };
 
@@ -36,9 +40,9 @@ public:
 
     std::size_t size() const { return m_threads.size(); }
 
-    /// Where arrivals are waited for; actions that run there hand the work to push().
+    /// Where arrivals are waited for; actions that run there take all that is there and hand it to arrived().
     EventLoop& arrivals();
-    void push(Job job);
+    void arrived(Job job);
 
     /// Drops the jobs of `owner` that have not begun and waits until none of them is running (but the one
     /// that calls this). Its arrivals must have been detached.

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "dds/greeting.h"
 #include "dds/path_name.h"
 #include "dds/qos.h"
 #include "dds/topics.h"
@@ -61,11 +62,26 @@ ServedInterface::Intake ServedInterface::make_intake(std::size_t operation)
 
 void ServedInterface::take_in(std::size_t operation, dds_entity_t reader)
 {
-    const auto request = std::make_shared<RequestSample>(*m_interface.operations[operation].request_type);
-    if (!request->take(reader) || !request->info().valid_data)
+    const dds_topic_descriptor_t& type = *m_interface.operations[operation].request_type;
+    auto request = std::make_shared<RequestSample>(type);
+    while (request->take(reader)) {
+        if (!request->info().valid_data) {
+            answer_greeting(operation, request->info());
+            continue;
+        }
+        m_team->arrived(
+            {this, request->info().source_timestamp,
+             [self = shared_from_this(), operation, request] { self->serve(operation, *request); }});
+        request = std::make_shared<RequestSample>(type);
+    }
+}
+
+void ServedInterface::answer_greeting(std::size_t operation, const dds_sample_info_t& info)
+{
+    if (!is_greeting(info))
         return;
-    m_team->push(
-        {this, [self = shared_from_this(), operation, request] { self->serve(operation, *request); }});
+    if (const auto client = m_clients.path_of(info.publication_handle))
+        client->greet(operation);
 }
 
 void ServedInterface::serve(std::size_t operation, const RequestSample& request)

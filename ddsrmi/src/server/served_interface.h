@@ -46,6 +46,7 @@ private:
 
     Intake make_intake(std::size_t operation);
     void take_in(std::size_t operation, dds_entity_t reader);
+    void answer_greeting(std::size_t operation, const dds_sample_info_t& info);
     void serve(std::size_t operation, const RequestSample& request);
     bool is_for_me(const RequestSample& request) const;
     std::unique_ptr<ReplySample> run(std::size_t operation, const RequestSample& request);

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "dds/greeting.h"
+
+#include <cstdint>
+#include <vector>
+
+#include "dds_rmi.h"
+
+namespace org::opensplice::DDS_RMI {
+
+dds_return_t send_greeting(dds_entity_t writer, const dds_topic_descriptor_t& type)
+{
+    std::vector<std::uint64_t> blank(type.m_size / sizeof(std::uint64_t) + 1);
+    char nobody[] = "";
+    reinterpret_cast<DDS_RMI_Request_Header*>(blank.data())->client_id.client_impl = nobody;
+    return dds_dispose(writer, blank.data());
+}
+
+} // namespace org::opensplice::DDS_RMI
