@@ -2,16 +2,16 @@
 # shellcheck shell=bash
 # A DDS domain of one's own on the loopback interface. To be sourced, with messages.sh.
 
-# reserve_domain: gives its number in $domain. The lock file is shared with the tests; the processes started from
-# here inherit the lock, so the number stays theirs until the last of them ends.
+# reserve_domain: gives its number in $domain. The lock files are those of the tests, the same for the whole machine;
+# the processes started from here inherit the lock, so the number stays theirs until the last of them ends.
 reserve_domain() {
     local lock
     for domain in {1..99}; do
-        { exec {lock}>>"${TMPDIR:-/tmp}/varnel-dds-domain-$domain.lock"; } 2>/dev/null || continue
+        { exec {lock}>>"/tmp/varnel-dds-domain-$domain.lock"; } 2>/dev/null || continue
         flock --nonblock "$lock" && return 0
         exec {lock}>&-
     done
-    complain "no DDS domain is free: all of ${TMPDIR:-/tmp}/varnel-dds-domain-*.lock are taken"
+    complain "no DDS domain is free: all of /tmp/varnel-dds-domain-*.lock are taken"
     return 1
 }
 

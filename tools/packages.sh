@@ -11,11 +11,19 @@ packages_for() {
     return 0
 }
 
+# A package whose triggers have not run yet, because an installation is going on, can be used all the same.
+is_installed() {
+    case $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) in
+    installed | triggers-awaited | triggers-pending) return 0 ;;
+    *) return 1 ;;
+    esac
+}
+
 # missing_packages <purpose>...
 missing_packages() {
     local name
     for name in $(packages_for "$@"); do
-        [[ $(dpkg-query -W -f '${db:Status-Status}' "$name" 2>/dev/null) == installed ]] || echo "$name"
+        is_installed "$name" || echo "$name"
     done
 }
 

@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "file_descriptor.h"
@@ -19,11 +19,16 @@ namespace {
 constexpr int highest_domain = 99;
 constexpr const char* uri_variable = "CYCLONEDDS_URI";
 
+/// Domains belong to the whole machine, so this does not follow TMPDIR.
+std::string lock_file(const std::string& id)
+{
+    return "/tmp/varnel-dds-domain-" + id + ".lock";
+}
+
 /// Gives an empty descriptor when the number is taken, or when the file belongs to another user.
 FileDescriptor lock_domain(int id)
 {
-    const std::string file =
-        std::filesystem::temp_directory_path() / ("varnel-dds-domain-" + std::to_string(id) + ".lock");
+    const std::string file = lock_file(std::to_string(id));
     FileDescriptor descriptor(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
     if (descriptor.get() >= 0 && ::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0) {
         descriptor.close();
@@ -42,8 +47,7 @@ std::pair<int, FileDescriptor> reserve_domain()
             return {id, std::move(lock)};
         }
     }
-    throw std::runtime_error("no free DDS domain: all of " + std::filesystem::temp_directory_path().string() +
-                             "/varnel-dds-domain-*.lock are taken");
+    throw std::runtime_error("no free DDS domain: all of " + lock_file("*") + " are taken");
 }
 
 std::string loopback_uri(int id)

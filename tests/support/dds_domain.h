@@ -6,8 +6,8 @@
 
 namespace test_support {
 
-/// A DDS domain that no other test uses while this object lives (a lock file in the temporary folder reserves
-/// its number), on the loopback interface, without multicast.
+/// A DDS domain that no other test uses while this object lives (a lock file in /tmp reserves its number), on
+/// the loopback interface, without multicast.
 class DdsDomain
 {
 public:

@@ -16,7 +16,7 @@ expect "./check refuses unknown sanitizers" exits_with 2 ./check --sanitize wate
 expect "./check refuses no tests at a time" exits_with 2 ./check --jobs 0
 expect "./demo refuses to wait for no time" exits_with 2 ./demo --patience 0
 
-output=$(./demo --no-install --programs "$build" 2>&1) || { echo "$output" && expect "./demo succeeds" false; }
+output=$(./demo --programs "$build" 2>&1) || { echo "$output" && expect "./demo succeeds" false; }
 expect "./demo has got every reply" contains "$output" "all 14 replies have come"
 
 # The same with a host whose log loses one reply.
@@ -31,5 +31,5 @@ exec "$build/bin/zorbd" "\$@" > >(exec grep --line-buffered -v async_node_get_da
 TEXT
 chmod +x "$folder/bin/zorbd"
 expect "./demo fails when a reply is missing" \
-    exits_with 1 env TMPDIR="$folder" ./demo --no-install --patience 3 --programs "$folder"
+    exits_with 1 env TMPDIR="$folder" ./demo --patience 3 --programs "$folder"
 finish
