@@ -71,7 +71,7 @@ protected:
 
 TEST_F(Calls, of_every_method_are_logged_and_answered)
 {
-    ASSERT_TRUE(m_host.becomes_bound());
+    m_host.wait_until_bound();
 
     for (const Call& call : every_method)
         expect_exchange(m_host, call);
@@ -79,7 +79,7 @@ TEST_F(Calls, of_every_method_are_logged_and_answered)
 
 TEST_F(Calls, with_text_where_a_number_is_meant_are_served_and_refusals_are_logged_as_they_are)
 {
-    ASSERT_TRUE(m_host.becomes_bound());
+    m_host.wait_until_bound();
 
     expect_exchange(m_host, {"network_commission", R"({"mac_addr_list": "nonsense"})",
                              "async_net_commission returns: -1"});
@@ -88,7 +88,7 @@ TEST_F(Calls, with_text_where_a_number_is_meant_are_served_and_refusals_are_logg
 
 TEST_F(Calls, that_fail_in_the_host_leave_no_line_and_the_next_is_served)
 {
-    ASSERT_TRUE(m_host.becomes_bound());
+    m_host.wait_until_bound();
 
     EXPECT_THAT(m_host.call("test_node_create", R"({"mac_addr": "02:00:00:00:00:10", "type": "none"})"),
                 HasSubstr("-32602"));
@@ -102,8 +102,8 @@ TEST_F(Calls, of_two_hosts_get_their_own_answers)
 {
     constexpr int rounds = 10;
     Host other;
-    ASSERT_TRUE(m_host.becomes_bound());
-    ASSERT_TRUE(other.becomes_bound());
+    m_host.wait_until_bound();
+    other.wait_until_bound();
 
     for (int round = 0; round < rounds; ++round) {
         m_host.call("network_get_info");

@@ -43,7 +43,7 @@ TEST(Lifecycle, a_host_without_a_server_refuses_calls_and_serves_them_once_one_h
     EXPECT_THAT(host.call("network_get_info"), HasSubstr("\"error\""));
 
     const ChildProcess server = start_server();
-    ASSERT_TRUE(host.becomes_bound());
+    host.wait_until_bound();
     EXPECT_THAT(host.call("network_get_info"), HasSubstr("\"result\":0"));
     EXPECT_EQ(host.next_line("async_"), info_reply);
 }
@@ -53,7 +53,7 @@ TEST(Lifecycle, a_server_that_was_stopped_is_found_again)
     const DdsDomain domain;
     ChildProcess first = start_server();
     Host host;
-    ASSERT_TRUE(host.becomes_bound());
+    host.wait_until_bound();
     ASSERT_TRUE(is_answered_again(host));
 
     EXPECT_THAT(first.terminate(), Optional(0));
@@ -67,7 +67,7 @@ TEST(Lifecycle, a_server_that_was_killed_is_found_again)
     const DdsDomain domain;
     ChildProcess first = start_server();
     Host host;
-    ASSERT_TRUE(host.becomes_bound());
+    host.wait_until_bound();
     ASSERT_TRUE(is_answered_again(host));
 
     first.signal(SIGKILL);
@@ -82,7 +82,7 @@ TEST(Lifecycle, a_stopped_host_takes_the_handler_down_in_order)
     const DdsDomain domain;
     const ChildProcess server = start_server();
     Host host;
-    ASSERT_TRUE(host.becomes_bound());
+    host.wait_until_bound();
 
     EXPECT_THAT(host.process().terminate(), Optional(0));
 
@@ -96,7 +96,7 @@ TEST(Lifecycle, a_host_stops_while_a_reply_is_outstanding)
     const DdsDomain domain;
     const ChildProcess server = start_server({"--delay", "60000"});
     Host host;
-    ASSERT_TRUE(host.becomes_bound());
+    host.wait_until_bound();
     host.call("network_get_info");
     ASSERT_EQ(host.next_line("CALL RPC "), "CALL RPC network_get_info");
 

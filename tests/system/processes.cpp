@@ -47,12 +47,12 @@ Host::Host(const Options& options)
 {
 }
 
-bool Host::becomes_bound()
+void Host::wait_until_bound()
 {
     // It may have been said before it said where it listens, and that line has been read.
     const std::string bound = "is bound and offers";
-    return m_process.error_output().find(bound) != std::string::npos ||
-           m_process.wait_for_error_line(bound).has_value();
+    if (m_process.error_output().find(bound) == std::string::npos && !m_process.wait_for_error_line(bound))
+        give_up("the plug-in has not found its service", m_process);
 }
 
 std::string Host::call(const std::string& method, const std::string& params) const

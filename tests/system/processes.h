@@ -25,8 +25,9 @@ public:
 
     test_support::ChildProcess& process() { return m_process; }
 
-    /// Whether the plug-in finds its service; waits for it.
-    bool becomes_bound();
+    /// Until the plug-in has found its service. Throws std::runtime_error, with what it has written, when it
+    /// does not.
+    void wait_until_bound();
 
     /// Posts a request for `method`, with the JSON text `params` unless it is empty; gives the body of the
     /// answer.
