@@ -130,7 +130,7 @@ void ServerLink::send_due_greetings(Clock::time_point now)
         return;
     m_greeting_due = Clock::time_point::max();
     for (const Exchange& exchange : m_exchanges)
-        send_greeting(exchange.request_writer.get(), *exchange.operation->request_type);
+        send_greeting(exchange.request_writer.get(), *exchange.operation->request_type, m_path);
 }
 
 void ServerLink::on_greeting(Exchange& exchange)

@@ -126,7 +126,7 @@ bool ClientPath::pay_greeting(Lane& lane) const
 {
     if (lane.owes_greeting)
         lane.owes_greeting =
-            send_greeting(lane.writer.get(), *lane.operation->reply_type) == DDS_RETCODE_TIMEOUT;
+            send_greeting(lane.writer.get(), *lane.operation->reply_type, {}) == DDS_RETCODE_TIMEOUT;
     return !lane.owes_greeting;
 }
 
