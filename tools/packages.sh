@@ -4,9 +4,12 @@
 
 # packages_for <purpose>...: the names of the packages that these purposes need.
 packages_for() {
-    local name purpose
-    while read -r name purpose; do
-        [[ -n $name && $name != \#* && " $* " == *" $purpose "* ]] && echo "$name"
+    local name purposes wanted
+    while read -r name purposes; do
+        [[ $name != \#* ]] || continue
+        for wanted in "$@"; do
+            [[ " $purposes " == *" $wanted "* ]] && echo "$name" && break
+        done
     done <packaging/packages.txt
     return 0
 }
