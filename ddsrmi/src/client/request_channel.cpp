@@ -66,12 +66,10 @@ void RequestChannel::close()
     m_closed = true;
     m_loop.wake();
     std::thread thread;
-    Link current;
     const bool own_thread = on_own_thread();
     {
         const std::lock_guard lock(m_mutex);
         thread.swap(m_thread);
-        current.swap(m_current);
     }
     m_changed.notify_all();
 
@@ -146,7 +144,9 @@ void RequestChannel::run()
     }
     m_candidate.reset();
     m_links.clear();
+    Link current; // let go after the lock
     const std::lock_guard lock(m_mutex);
+    current.swap(m_current);
     m_thread_id = std::thread::id();
     m_changed.notify_all();
 }

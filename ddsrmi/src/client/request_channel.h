@@ -98,8 +98,8 @@ private:
 
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    // Where requests go, connected or not. Written under m_mutex by the channel's thread (and by close(),
-    // when that thread no longer looks); the thread itself reads it without.
+    // Where requests go, connected or not. Written under m_mutex by the channel's thread alone, which
+    // therefore reads it without.
     Link m_current;
     std::thread m_thread;        // guarded by m_mutex
     std::thread::id m_thread_id; // guarded by m_mutex

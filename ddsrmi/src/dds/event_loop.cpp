@@ -26,7 +26,7 @@ EventLoop::Attachment EventLoop::attach(dds_entity_t entity, Action action)
     {
         const std::lock_guard lock(m_mutex);
         id = ++m_last_id;
-        m_actions.emplace(id, std::make_shared<Action>(std::move(action)));
+        m_attached.emplace(id, Attached{entity, std::make_shared<Action>(std::move(action))});
     }
     Attachment attachment(*this, entity, id);
     check(dds_waitset_attach(m_waitset.get(), entity, id), "cannot attach to a waitset");
@@ -39,13 +39,29 @@ std::size_t EventLoop::dispatch(std::chrono::nanoseconds timeout)
     const dds_return_t count =
         check(dds_waitset_wait(m_waitset.get(), triggered.data(), triggered.size(), timeout.count()),
               "cannot wait");
-    const auto known = std::min(static_cast<std::size_t>(count), triggered.size());
+    return run_actions(triggered.data(), std::min(static_cast<std::size_t>(count), triggered.size()));
+}
+
+std::size_t EventLoop::dispatch_triggered()
+{
+    m_triggered.clear();
+    {
+        const std::lock_guard lock(m_mutex);
+        for (const auto& [id, attached] : m_attached)
+            if (dds_triggered(attached.entity) > 0)
+                m_triggered.push_back(id);
+    }
+    return run_actions(m_triggered.data(), m_triggered.size());
+}
+
+std::size_t EventLoop::run_actions(const dds_attach_t* ids, std::size_t count)
+{
     std::size_t actions = 0;
-    for (std::size_t i = 0; i < known; ++i) {
-        if (triggered[i] == wake_up_id) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (ids[i] == wake_up_id) {
             bool was_triggered = false;
             dds_take_guardcondition(m_wake_up.get(), &was_triggered);
-        } else if (run_action(triggered[i])) {
+        } else if (run_action(ids[i])) {
             ++actions;
         }
     }
@@ -70,12 +86,12 @@ bool EventLoop::run_action(dds_attach_t id)
 std::shared_ptr<EventLoop::Action> EventLoop::begin_action(dds_attach_t id)
 {
     const std::lock_guard lock(m_mutex);
-    const auto found = m_actions.find(id);
-    if (found == m_actions.end())
+    const auto found = m_attached.find(id);
+    if (found == m_attached.end())
         return nullptr;
     m_running_id = id;
     m_running_on = std::this_thread::get_id();
-    return found->second;
+    return found->second.action;
 }
 
 void EventLoop::end_action()
@@ -96,7 +112,7 @@ void EventLoop::detach(dds_entity_t entity, dds_attach_t id)
 {
     dds_waitset_detach(m_waitset.get(), entity);
     std::unique_lock lock(m_mutex);
-    m_actions.erase(id);
+    m_attached.erase(id);
     m_action_ended.wait(
         lock, [this, id] { return m_running_id != id || m_running_on == std::this_thread::get_id(); });
 }

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <thread>
 #include <unordered_map>
+#include <vector>
 
 #include "dds/entity.h"
 
@@ -51,10 +52,23 @@ public:
     /// actions of what was triggered. Gives how many that were.
     std::size_t dispatch(std::chrono::nanoseconds timeout);
 
+    /// Runs the actions of what is triggered right now; gives how many that were. Unlike dispatch() with no
+    /// timeout it never enters the kernel, which would take longer than a whole call.
+    std::size_t dispatch_triggered();
+
     /// Lets the current or the next dispatch() return.
     void wake();
 
 private:
+    using Ids = std::vector<dds_attach_t>;
+
+    struct Attached
+    {
+        dds_entity_t entity;
+        std::shared_ptr<Action> action;
+    };
+
+    std::size_t run_actions(const dds_attach_t* ids, std::size_t count);
     bool run_action(dds_attach_t id);
     std::shared_ptr<Action> begin_action(dds_attach_t id);
     void end_action();
@@ -64,10 +78,11 @@ private:
     Entity m_wake_up;
     std::mutex m_mutex;
     std::condition_variable m_action_ended;
-    dds_attach_t m_running_id = 0;                                       // guarded by m_mutex; 0 for none
-    std::thread::id m_running_on;                                        // guarded by m_mutex
-    dds_attach_t m_last_id = 0;                                          // guarded by m_mutex
-    std::unordered_map<dds_attach_t, std::shared_ptr<Action>> m_actions; // guarded by m_mutex
+    dds_attach_t m_running_id = 0;                         // guarded by m_mutex; 0 for none
+    std::thread::id m_running_on;                          // guarded by m_mutex
+    dds_attach_t m_last_id = 0;                            // guarded by m_mutex
+    std::unordered_map<dds_attach_t, Attached> m_attached; // guarded by m_mutex
+    Ids m_triggered;                                       // belongs to the dispatching thread
 };
 
 } // namespace org::opensplice::DDS_RMI

@@ -115,9 +115,9 @@ private:
     void take_arrivals_in()
     {
         std::size_t rounds = 0;
-        auto timeout = std::chrono::nanoseconds::max();
-        while (m_arrivals.dispatch(timeout) > 0 && ++rounds < most_rounds)
-            timeout = std::chrono::nanoseconds::zero();
+        if (m_arrivals.dispatch(std::chrono::nanoseconds::max()) > 0)
+            while (m_arrivals.dispatch_triggered() > 0 && ++rounds < most_rounds) {
+            }
         std::stable_sort(m_arrived.begin(), m_arrived.end(),
                          [](const Job& one, const Job& other) { return one.sent < other.sent; });
     }

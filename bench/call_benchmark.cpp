@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The time from a method object's Call to its reply hook, beside the same exchange on the Cyclone C API. Both
+// are measured alternately in one run, against server processes of their own; what is printed last are the
+// ratios of the medians over all repetitions.
+
+#include <benchmark/benchmark.h>
+
+#include <iostream>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "latency_log.h"
+#include "plugin_calls.h"
+#include "raw_calls.h"
+#include "support/dds_domain.h"
+
+namespace {
+
+constexpr std::size_t outstanding = 64;
+
+struct Measured
+{
+    std::vector<double> medians;
+    std::vector<double> p99s;
+    std::vector<double> calls_per_second;
+};
+std::map<std::string, Measured>& results()
+{
+    static std::map<std::string, Measured> all;
+    return all;
+}
+
+class Caller
+{
+public:
+    explicit Caller(bench::Calls& calls) : m_calls(calls) {}
+
+    /// Seconds from the call to its reply.
+    double one_call()
+    {
+        const auto begin = bench::Clock::now();
+        m_calls.start();
+        return std::chrono::duration<double>(m_calls.replies().wait_for(++m_done) - begin).count();
+    }
+
+    /// Seconds for `count` calls of which 64 are outstanding at a time.
+    double pipelined(std::size_t count)
+    {
+        const auto begin = bench::Clock::now();
+        for (std::size_t i = 0; i < count; ++i) {
+            m_calls.start();
+            ++m_done;
+            if (i >= outstanding)
+                m_calls.replies().wait_for(m_done - outstanding);
+        }
+        return std::chrono::duration<double>(m_calls.replies().wait_for(m_done) - begin).count();
+    }
+
+private:
+    bench::Calls& m_calls;
+    std::size_t m_done = 0;
+};
+
+void call_to_reply(benchmark::State& state, Caller& caller, const std::string& name)
+{
+    std::vector<double> seconds;
+    for (auto _ : state) {
+        seconds.push_back(caller.one_call());
+        state.SetIterationTime(seconds.back());
+    }
+    results()[name].medians.push_back(bench::percentile(seconds, 0.5));
+    results()[name].p99s.push_back(bench::percentile(seconds, 0.99));
+    state.counters["median_us"] = bench::percentile(seconds, 0.5) * 1e6;
+    state.counters["p99_us"] = bench::percentile(seconds, 0.99) * 1e6;
+}
+
+void throughput(benchmark::State& state, Caller& caller, const std::string& name)
+{
+    constexpr std::size_t calls = 20'000;
+    for (auto _ : state) {
+        const double seconds = caller.pipelined(calls);
+        state.SetIterationTime(seconds);
+        results()[name].calls_per_second.push_back(static_cast<double>(calls) / seconds);
+    }
+    state.SetItemsProcessed(static_cast<std::int64_t>(calls) * static_cast<std::int64_t>(state.iterations()));
+}
+
+void register_both(Caller& caller, const std::string& name)
+{
+    benchmark::RegisterBenchmark(
+        ("call_to_reply/" + name).c_str(),
+        [&caller, name](benchmark::State& state) { call_to_reply(state, caller, name); })
+        ->UseManualTime()
+        ->Iterations(5'000);
+    benchmark::RegisterBenchmark(
+        ("throughput_64/" + name).c_str(),
+        [&caller, name](benchmark::State& state) { throughput(state, caller, name); })
+        ->UseManualTime()
+        ->Iterations(1);
+}
+
+void print_ratio(const char* what, std::vector<double> Measured::*values, double scale, const char* unit)
+{
+    const double plugin = bench::percentile(results()["plugin"].*values, 0.5);
+    const double raw = bench::percentile(results()["raw"].*values, 0.5);
+    std::printf("%-28s plug-in %10.1f %-4s raw %10.1f %-4s ratio %.2f\n", what, plugin * scale, unit,
+                raw * scale, unit, plugin / raw);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // One call after the other of each benchmark in turn, so that what disturbs the machine disturbs both.
+    std::vector<char*> arguments(argv, argv + argc);
+    std::string interleaving = "--benchmark_enable_random_interleaving=true";
+    std::string repetitions = "--benchmark_repetitions=7";
+    arguments.insert(arguments.begin() + 1, {interleaving.data(), repetitions.data()});
+    int count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
+        return 2;
+
+    const test_support::DdsDomain domain;
+    std::ostream screen(std::cout.rdbuf()); // the plug-in's own lines are kept off it
+    bench::RawCalls raw;
+    bench::PluginCalls plugin;
+    Caller raw_caller(raw);
+    Caller plugin_caller(plugin);
+    register_both(raw_caller, "raw");
+    register_both(plugin_caller, "plugin");
+
+    benchmark::ConsoleReporter reporter(benchmark::ConsoleReporter::OO_Tabular);
+    reporter.SetOutputStream(&screen);
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+
+    std::printf("\nMedians over %zu repetitions:\n", results()["raw"].medians.size());
+    print_ratio("call to reply, median", &Measured::medians, 1e6, "us");
+    print_ratio("call to reply, p99", &Measured::p99s, 1e6, "us");
+    print_ratio("calls, 64 outstanding", &Measured::calls_per_second, 1, "/s");
+    return 0;
+}

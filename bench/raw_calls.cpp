@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "raw_calls.h"
+
+#include <VarnelRMI_topics.h>
+
+#include "call_texts.h"
+
+namespace bench {
+
+RawCalls::RawCalls() : m_server({RAW_SERVER}), m_end(RawEnd::Side::client)
+{
+    m_end.wait_for_peer();
+    m_receiver = std::thread([this] {
+        while (!m_stopped) {
+            m_end.wait_for_data();
+            take_replies();
+        }
+    });
+}
+
+RawCalls::~RawCalls()
+{
+    m_stopped = true;
+    m_end.wake();
+    m_receiver.join();
+}
+
+void RawCalls::start()
+{
+    char server_class[] = "VarnelRMI::VarnelRMIService";
+    char server[] = "VarnelDE_Server";
+    char client[] = "VarnelDE_Server_Proxy";
+    char mac_addr[] = MAC_ADDR;
+    char config[] = CONFIG;
+    DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_request request{};
+    request.req_info.service_id.server_class = server_class;
+    request.req_info.service_id.server_impl = server;
+    request.req_info.service_id.server_instance = 1;
+    request.req_info.client_id.client_impl = client;
+    request.req_info.client_id.client_instance = 1;
+    request.req_info.client_id.request_id = ++m_last_id;
+    request.mac_addr = mac_addr;
+    request.newCfg = config;
+    dds_write(m_end.writer(), &request);
+}
+
+void RawCalls::take_replies()
+{
+    void* samples[32] = {};
+    dds_sample_info_t infos[32];
+    const dds_return_t count = dds_take(m_end.reader(), samples, infos, 32, 32);
+    for (dds_return_t i = 0; i < count; ++i)
+        if (infos[i].valid_data)
+            replies().reply_came();
+    if (count > 0)
+        dds_return_loan(m_end.reader(), samples, count);
+}
+
+} // namespace bench
