@@ -8,6 +8,8 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+# A folder's name in a file would make it differ from one that is built elsewhere.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 include(CheckPIESupported)
 check_pie_supported()
