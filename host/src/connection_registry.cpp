@@ -29,6 +29,16 @@ std::string address_key(const sockaddr* address)
     return {};
 }
 
+/// Ends a connection. The socket cannot have been closed yet: its owner removes the connection first.
+void cut(int socket, ConnectionPhase phase)
+{
+    if (phase == ConnectionPhase::sending) { // the kernel would keep what the client does not take
+        const linger discard{1, 0};
+        setsockopt(socket, SOL_SOCKET, SO_LINGER, &discard, sizeof discard);
+    }
+    shutdown(socket, SHUT_RDWR);
+}
+
 } // namespace
 
 /// Every field but the constant ones is guarded by the registry's mutex.
@@ -153,8 +163,7 @@ ConnectionRegistry::Clock::time_point ConnectionRegistry::cut_overdue()
         if (connection.is_cut)
             continue;
         if (connection.deadline <= now) {
-            // The socket cannot have been closed: its owner removes the connection first.
-            shutdown(connection.socket, SHUT_RDWR);
+            cut(connection.socket, connection.phase);
             connection.is_cut = true;
         } else {
             next = std::min(next, connection.deadline);

@@ -114,6 +114,14 @@ void HttpConnection::wait_closed()
     }
 }
 
+void HttpConnection::wait_cut_unread() const
+{
+    pollfd polled{m_socket.get(), POLLRDHUP, 0};
+    const auto deadline = std::chrono::milliseconds(test_support::event_deadline);
+    if (poll(&polled, 1, static_cast<int>(deadline.count())) != 1)
+        throw std::runtime_error("the connection was not closed in time");
+}
+
 bool HttpConnection::is_quiet(std::chrono::milliseconds duration) const
 {
     return m_received.empty() && !has_input(m_socket.get(), duration);

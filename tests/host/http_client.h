@@ -30,6 +30,8 @@ public:
     HttpResponse receive();
     /// Waits for the server to close the connection.
     void wait_closed();
+    /// Waits for the same without taking anything in.
+    void wait_cut_unread() const;
     /// Whether nothing comes, not even the end, for that long.
     bool is_quiet(std::chrono::milliseconds duration) const;
 

@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <fstream>
 #include <string>
+#include <vector>
 
 #include "fifo.h"
 #include "json_matchers.h"
+#include "open_files.h"
 #include "zorbd_process.h"
 
 namespace {
@@ -192,6 +195,53 @@ TEST(limits, request_time_for_a_sender_that_dribbles)
             }
         },
         std::exception);
+}
+
+TEST(limits, request_time_for_a_client_that_does_not_take_its_response)
+{
+    const std::size_t more_than_sockets_hold = 32U << 20U;
+    const ZorbdProcess zorbd(
+        {"--request-timeout", "2", "--max-body", std::to_string(2 * more_than_sockets_hold)});
+    HttpConnection connection(zorbd.port());
+
+    connection.send(post(padded_call(more_than_sockets_hold)));
+
+    connection.wait_cut_unread();
+    EXPECT_THROW(connection.receive(), std::runtime_error) << "the response is not whole";
+}
+
+std::size_t resident_kib(pid_t process)
+{
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string word; status >> word;)
+        if (word == "VmRSS:") {
+            std::size_t kib = 0;
+            status >> kib;
+            return kib;
+        }
+    return 0;
+}
+
+TEST(limits, a_thousand_idle_connections_cost_little_and_slow_no_one)
+{
+    zorbd::allow_open_files(1200);
+    const ZorbdProcess zorbd({"--max-connections", "1100", "--max-connections-per-address", "1100"});
+    const std::size_t before = resident_kib(zorbd.pid());
+    std::vector<HttpConnection> idle;
+    for (int i = 0; i < 1000; ++i)
+        idle.emplace_back(zorbd.port());
+    for (HttpConnection* connection : {&idle.front(), &idle.back()}) { // so all of them have been taken in
+        connection->send(post(call("seven")));
+        EXPECT_EQ(connection->receive().status, 200);
+    }
+
+    const std::size_t cost = resident_kib(zorbd.pid()) - before;
+
+    RecordProperty("cost_kib", static_cast<int>(cost));
+#ifndef __SANITIZE_ADDRESS__ // it keeps far more than is asked for
+    EXPECT_LT(cost, 16U * 1024U);
+#endif
+    EXPECT_EQ(ask(zorbd.port(), post(call("seven"))).status, 200);
 }
 
 TEST(limits, outstanding_work)

@@ -6,5 +6,5 @@
 
 extern "C" zeb::api::KX_RPCHandler* RPCHandler()
 {
-    throw std::runtime_error("the factory is out of order");
+    throw std::runtime_error("the factory\nis out of order");
 }
