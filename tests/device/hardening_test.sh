@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# shellcheck disable=SC2317 # the checks are called by expect
 # Every program and library that is installed is hardened. Usage:
 #   hardening_test.sh <compile_commands.json> <readelf> <program or library>...
+# shellcheck disable=SC2317 # the checks are called by expect
 set -euo pipefail
 commands=$1
 export READELF=$2

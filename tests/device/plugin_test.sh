@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# shellcheck disable=SC2317 # the checks are called by expect
 # The plug-in is what a device takes: small, with one exported function, asking for known libraries only.
 # Usage: plugin_test.sh <plug-in> <readelf> <strip>
+# shellcheck disable=SC2317 # the checks are called by expect
 set -euo pipefail
 plugin=$1 strip=$3
 export READELF=$2
