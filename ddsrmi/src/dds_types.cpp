@@ -7,7 +7,7 @@
 
 extern "C" char* os_strcpy(char* dst, const char* src)
 {
-    return std::strcpy(dst, src);
+    return static_cast<char*>(std::memcpy(dst, src, std::strlen(src) + 1));
 }
 
 namespace DDS {

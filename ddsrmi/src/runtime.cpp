@@ -46,7 +46,8 @@ void CRuntime::run()
     m_core->run_all();
 }
 
-void CRuntime::run(std::string service)
+// The published interface takes the name by value.
+void CRuntime::run(std::string service) // NOLINT(performance-unnecessary-value-param)
 {
     m_core->run(service);
 }
@@ -56,7 +57,7 @@ void CRuntime::shutdown(bool wait)
     m_core->shutdown_all(wait);
 }
 
-void CRuntime::shutdown(std::string service)
+void CRuntime::shutdown(std::string service) // NOLINT(performance-unnecessary-value-param)
 {
     m_core->shutdown(service);
 }

@@ -37,7 +37,7 @@ template <class Sample>
 class TextReply : public PlainReply<Sample>
 {
 public:
-    ~TextReply() override { DDS::string_free(this->value.result); }
+    virtual ~TextReply() { DDS::string_free(this->value.result); }
 };
 
 /// Base of the generated skeletons, from which implementations derive. On which threads, and how many at a

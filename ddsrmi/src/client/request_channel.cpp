@@ -24,7 +24,7 @@ char* c_string(const std::string& text)
     return const_cast<char*>(text.c_str()); // the sample is only read
 }
 
-void release(std::vector<Handler> handlers)
+void release(const std::vector<Handler>& handlers)
 {
     for (const Handler& handler : handlers)
         deactivate(*handler.get());
@@ -171,7 +171,7 @@ void RequestChannel::give_up_the_overdue()
         return;
     report("gave up " + std::to_string(overdue.size()) + " requests to service '" + m_names.service +
            "': no reply within " + std::to_string(timeout()) + " ms");
-    release(std::move(overdue));
+    release(overdue);
     m_links_need_care = true;
 }
 

@@ -22,8 +22,8 @@ ReplyOutcome::State ReplyOutcome::wait()
     return m_state;
 }
 
-WaitingHandler::WaitingHandler(Handler inner, std::shared_ptr<ReplyOutcome> outcome)
-    : m_inner(std::move(inner)), m_outcome(std::move(outcome))
+WaitingHandler::WaitingHandler(const Handler& inner, std::shared_ptr<ReplyOutcome> outcome)
+    : m_inner(inner), m_outcome(std::move(outcome))
 {
 }
 

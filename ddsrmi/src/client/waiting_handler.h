@@ -31,7 +31,7 @@ private:
 class WaitingHandler final : public CAsyncReplyHandlerImpl
 {
 public:
-    WaitingHandler(Handler inner, std::shared_ptr<ReplyOutcome> outcome);
+    WaitingHandler(const Handler& inner, std::shared_ptr<ReplyOutcome> outcome);
     ~WaitingHandler() override;
 
     void handleReply(DDS::ReadCondition* condition) override;

@@ -87,7 +87,7 @@ ClientDirectory::Path ClientDirectory::path_to(const std::string& client)
         if (const auto known = m_clients.find(client); known != m_clients.end())
             return known->second.path;
     }
-    const Path path = std::make_shared<ClientPath>(*m_participant, m_loop, m_interface, m_service, client);
+    Path path = std::make_shared<ClientPath>(*m_participant, m_loop, m_interface, m_service, client);
     const std::lock_guard lock(m_mutex);
     m_clients[client].path = path;
     return path;

@@ -12,8 +12,8 @@
 namespace org::opensplice::DDS_RMI {
 
 ServedInterface::ServedInterface(std::shared_ptr<Entity> participant, std::shared_ptr<RequestTeam> team,
-                                 shared_ptr<CInterfaceSkeleton> implementation, const std::string& name,
-                                 DDS::Long instance)
+                                 const shared_ptr<CInterfaceSkeleton>& implementation,
+                                 const std::string& name, DDS::Long instance)
     : m_participant(std::move(participant)), m_team(std::move(team)), m_implementation(implementation),
       m_interface(implementation->_interface_info()), m_identity{m_interface.server_class, name, instance},
       m_path(make_path_name(*m_participant)),

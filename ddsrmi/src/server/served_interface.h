@@ -25,7 +25,7 @@ class ServedInterface : public std::enable_shared_from_this<ServedInterface>
 {
 public:
     ServedInterface(std::shared_ptr<Entity> participant, std::shared_ptr<RequestTeam> team,
-                    shared_ptr<CInterfaceSkeleton> implementation, const std::string& name,
+                    const shared_ptr<CInterfaceSkeleton>& implementation, const std::string& name,
                     DDS::Long instance);
 
     /// Takes requests and tells the domain so. Call once, on an object that is held by a std::shared_ptr.
