@@ -62,7 +62,7 @@ function(rmi_interface_library target)
 
     add_library(${target} SHARED ${headers} ${sources})
     ddsrmi_compile_topics(${target} ${topics})
-    target_link_libraries(${target} PUBLIC RMI::layer PRIVATE project_warnings)
+    target_link_libraries(${target} PUBLIC RMI::layer PRIVATE $<TARGET_NAME_IF_EXISTS:project_warnings>)
     # As on the devices, whose compilers know nothing newer.
     set_target_properties(${target} PROPERTIES CXX_STANDARD 11 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF)
 endfunction()

@@ -7,6 +7,7 @@ build=$(cd "$1" && pwd)
 jobs=$2
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 source tests/system/assertions.sh
+source tests/install/build_settings.sh
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -14,13 +15,7 @@ copy=$folder/a/folder/with/a/longer/name
 mkdir -p "$copy"
 tar --create --exclude=./build --exclude=./.git . | tar --extract --directory "$copy"
 
-# setting <name>: of the build folder's configuration.
-setting() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
-
-options=()
-for name in CMAKE_BUILD_TYPE CMAKE_TOOLCHAIN_FILE DEVICE_SYSROOT CMAKE_CXX_COMPILER CMAKE_C_COMPILER; do
-    [[ -z $(setting $name) ]] || options+=("-D$name=$(setting $name)")
-done
+mapfile -t options < <(build_settings "$build")
 
 # What a cache gives back would prove nothing.
 export CCACHE_DISABLE=1

@@ -2,8 +2,8 @@
 #ifndef PUBLISHED_DDSRMI_H
 #define PUBLISHED_DDSRMI_H
 
-// The names that every RMI layer has, whoever provides it, and nothing else: what compiles with this header uses no
-// name that only one provider knows. Declarations alone; nothing here can be linked.
+// The names that every RMI layer has, whoever provides it, and nothing else: what compiles with this header
+// uses no name that only one provider knows. Declarations alone; nothing here can be linked.
 
 #include <exception>
 #include <string>
