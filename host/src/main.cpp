@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <malloc.h>
 #include <string.h> // strsignal is POSIX
 #include <unistd.h>
 
@@ -27,9 +28,17 @@ using namespace zorbd;
 /// plug-ins.
 constexpr std::size_t other_files = 192;
 
+/// What one thread allocates here another one frees. With glibc's default, an arena for each thread, such
+/// memory is spread over all of them and creeps up for a million calls; with two it stays where it was.
+void keep_memory_together()
+{
+    ::mallopt(M_ARENA_MAX, 2);
+}
+
 /// Prepares what holds for the whole process.
 void prepare(const Options& options)
 {
+    keep_memory_together();
     std::signal(SIGPIPE, SIG_IGN);
     allow_open_files(options.connections.total + other_files);
     zeb::api::mdw::setServiceDiscoveryTimeout(options.discovery_timeout);
