@@ -58,7 +58,7 @@ std::string loopback_uri(int id)
            "<AllowMulticast>false</AllowMulticast></General>"
            "<Discovery><ParticipantIndex>auto</ParticipantIndex>"
            "<MaxAutoParticipantIndex>100</MaxAutoParticipantIndex>"
-           "<Peers><Peer address=\"localhost\"/></Peers></Discovery>"
+           "<Peers><Peer address=\"127.0.0.1\"/></Peers></Discovery>"
            "</Domain></CycloneDDS>";
 }
 
