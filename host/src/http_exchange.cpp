@@ -23,8 +23,6 @@ void add_status_header(MHD_Response* response, unsigned int status)
 {
     if (status == MHD_HTTP_UNAUTHORIZED)
         MHD_add_response_header(response, MHD_HTTP_HEADER_WWW_AUTHENTICATE, "Bearer");
-    else if (status == MHD_HTTP_METHOD_NOT_ALLOWED)
-        MHD_add_response_header(response, MHD_HTTP_HEADER_ALLOW, "POST");
     else if (status == MHD_HTTP_SERVICE_UNAVAILABLE)
         MHD_add_response_header(response, MHD_HTTP_HEADER_RETRY_AFTER, "1");
 }
@@ -115,7 +113,7 @@ void HttpExchange::report_health()
 
 void HttpExchange::refuse(const Refusal& refusal)
 {
-    respond(refusal.status, error_response({RpcErrorCode::refused, refusal.cause}));
+    respond(refusal.status, error_response({RpcErrorCode::refused, refusal.cause}), refusal.allowed_methods);
 }
 
 void HttpExchange::refuse_busy(const char* cause)
@@ -131,11 +129,13 @@ void HttpExchange::respond_with_answer()
         respond(MHD_HTTP_NO_CONTENT, {});
 }
 
-void HttpExchange::respond(unsigned int status, std::string body)
+void HttpExchange::respond(unsigned int status, std::string body, const char* allowed_methods)
 {
     m_services.connections.enter(m_registered, ConnectionPhase::sending);
     m_response = std::move(body);
     const Response response = make_response(m_response, status);
+    if (allowed_methods != nullptr)
+        MHD_add_response_header(response.get(), MHD_HTTP_HEADER_ALLOW, allowed_methods);
     if (MHD_queue_response(&m_connection, status, response.get()) != MHD_YES)
         throw std::runtime_error("the response cannot be queued");
 }

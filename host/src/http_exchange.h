@@ -39,7 +39,7 @@ private:
     void refuse(const Refusal& refusal);
     void refuse_busy(const char* cause);
     void respond_with_answer();
-    void respond(unsigned int status, std::string body);
+    void respond(unsigned int status, std::string body, const char* allowed_methods = nullptr);
 
     MHD_Connection& m_connection;
     ConnectionRegistry::Connection& m_registered;

@@ -49,28 +49,28 @@ std::variant<Route, Refusal> RequestGate::check(const RequestHead& head) const
     if (head.path == health_path) {
         if (head.method == "GET" || head.method == "HEAD")
             return Route::health;
-        return Refusal{405, "/healthz takes GET"};
+        return Refusal{405, "/healthz takes GET", "GET, HEAD"};
     }
     if (head.path == call_path)
         return check_call(head);
-    return Refusal{404, "nothing is here: calls go to /, health is at /healthz"};
+    return Refusal{404, "nothing is here: calls go to /, health is at /healthz", {}};
 }
 
 std::optional<Refusal> RequestGate::check_sender(const RequestHead& head) const
 {
     if (head.origin && !is_own(*head.origin))
-        return Refusal{403, "requests of web pages of another origin are not taken"};
+        return Refusal{403, "requests of web pages of another origin are not taken", {}};
     if (m_rules.token && !(head.authorization && m_rules.token->admits(*head.authorization)))
-        return Refusal{401, "a valid bearer token is needed"};
+        return Refusal{401, "a valid bearer token is needed", {}};
     return std::nullopt;
 }
 
 std::variant<Route, Refusal> RequestGate::check_call(const RequestHead& head) const
 {
     if (head.method != "POST")
-        return Refusal{405, "calls are made with POST"};
+        return Refusal{405, "calls are made with POST", "POST"};
     if (!is_json(head.content_type))
-        return Refusal{415, "the Content-Type must be application/json"};
+        return Refusal{415, "the Content-Type must be application/json", {}};
     if (head.content_length && is_longer(*head.content_length, m_rules.max_body))
         return body_too_large();
     return Route::json_rpc;
@@ -78,7 +78,7 @@ std::variant<Route, Refusal> RequestGate::check_call(const RequestHead& head) co
 
 Refusal RequestGate::body_too_large() const
 {
-    return {413, "the body is longer than the limit of " + std::to_string(m_rules.max_body) + " bytes"};
+    return {413, "the body is longer than the limit of " + std::to_string(m_rules.max_body) + " bytes", {}};
 }
 
 bool RequestGate::is_own(std::string_view origin) const

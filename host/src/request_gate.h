@@ -32,6 +32,8 @@ struct Refusal
 {
     unsigned int status;
     std::string cause;
+    /// With status 405, what the path takes.
+    const char* allowed_methods = nullptr;
 };
 
 /// Who belongs on one listener.
