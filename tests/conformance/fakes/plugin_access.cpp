@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "plugin_access.h"
+
+#include <map>
+
+#include "varnel_interf.h"
+
+namespace conformance {
+namespace {
+
+using Member = int (VarnelInterface::*)(const zeb::api::data::KX_JSON&, zeb::api::data::KX_JSON&);
+
+const std::map<std::string, Member>& members()
+{
+    static const std::map<std::string, Member> by_name = {
+        {"network_get_info", &VarnelInterface::network_get_info},
+        {"network_get_node_list", &VarnelInterface::network_get_node_list},
+        {"network_decommission", &VarnelInterface::network_decommission},
+        {"network_commission", &VarnelInterface::network_commission},
+        {"network_add_nodes", &VarnelInterface::network_add_nodes},
+        {"network_remove_nodes", &VarnelInterface::network_remove_nodes},
+        {"network_get_nodes_status", &VarnelInterface::network_get_nodes_status},
+        {"advertising", &VarnelInterface::advertising},
+        {"node_get_config", &VarnelInterface::node_get_config},
+        {"node_set_config", &VarnelInterface::node_set_config},
+        {"node_set_config_revert", &VarnelInterface::node_set_config_revert},
+        {"node_get_data", &VarnelInterface::node_get_data},
+        {"test_node_create", &VarnelInterface::test_node_create},
+        {"test_node_set_sensor_data", &VarnelInterface::test_node_set_sensor_data},
+    };
+    return by_name;
+}
+
+} // namespace
+
+Operations::Operations(Proxy* proxy) : m_interface(new VarnelInterface)
+{
+    m_interface->m_proxy = ProxyHandle(proxy);
+    members(); // makes the table now, not while a test records
+}
+
+Operations::~Operations() = default;
+
+int Operations::run(const std::string& name, const zeb::api::data::KX_JSON& in, zeb::api::data::KX_JSON& out)
+{
+    const Member member = members().at(name);
+    return (m_interface.get()->*member)(in, out);
+}
+
+std::unique_ptr<zeb::api::KX_RPCHandler> make_handler()
+{
+    return std::unique_ptr<zeb::api::KX_RPCHandler>(RPCHandler());
+}
+
+void* new_interface()
+{
+    return new VarnelInterface;
+}
+
+void delete_interface(void* interface)
+{
+    delete static_cast<VarnelInterface*>(interface);
+}
+
+ProxyHandle& proxy_of(void* interface)
+{
+    return static_cast<VarnelInterface*>(interface)->m_proxy;
+}
+
+class Holder::Impl : public zeb::api::mdw::KX_DDS_RMI_PROXY<Proxy>
+{
+public:
+    using KX_DDS_RMI_PROXY::KX_DDS_RMI_PROXY;
+};
+
+Holder::Holder(const std::string& service_name) : m_impl(new Impl(service_name)) {}
+
+Holder::~Holder() = default;
+
+bool Holder::is_proxy_found()
+{
+    return m_impl->isProxyFound();
+}
+
+ProxyHandle Holder::proxy()
+{
+    return m_impl->getProxy();
+}
+
+} // namespace conformance

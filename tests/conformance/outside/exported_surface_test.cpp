@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the built library offers and needs, as its file says.
+
+#include <dlfcn.h>
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/child_process.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+std::string run(const std::vector<std::string>& command)
+{
+    test_support::ChildProcess process(command);
+    EXPECT_EQ(process.wait_for_exit(), 0) << process.error_output();
+    return process.output();
+}
+
+struct Symbol
+{
+    std::string binding;
+    std::string section;
+    std::string name;
+};
+
+/// The rows of the library's table of dynamic symbols.
+std::vector<Symbol> dynamic_symbols()
+{
+    std::vector<Symbol> symbols;
+    std::istringstream lines(run({"readelf", "--dyn-syms", "--wide", PLUGIN}));
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream row(line);
+        std::string number, value, size, type, visibility;
+        Symbol symbol;
+        if (row >> number >> value >> size >> type >> symbol.binding >> visibility >> symbol.section >>
+            symbol.name)
+            symbols.push_back(symbol);
+    }
+    return symbols;
+}
+
+bool is_undefined(const Symbol& symbol)
+{
+    return symbol.section == "UND";
+}
+
+std::string without_version(const std::string& name)
+{
+    return name.substr(0, name.find('@'));
+}
+
+/// What the library uses and must get from elsewhere.
+std::vector<std::string> needed_symbols()
+{
+    std::vector<std::string> names;
+    for (const Symbol& symbol : dynamic_symbols())
+        if (is_undefined(symbol) && symbol.binding == "GLOBAL")
+            names.push_back(without_version(symbol.name));
+    return names;
+}
+
+std::vector<std::string> needed_libraries()
+{
+    const std::string mark = "Shared library: [";
+    std::vector<std::string> names;
+    std::istringstream lines(run({"readelf", "--dynamic", "--wide", PLUGIN}));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t at = line.find(mark);
+        if (at != std::string::npos)
+            names.push_back(line.substr(at + mark.size(), line.rfind(']') - at - mark.size()));
+    }
+    return names;
+}
+
+bool is_run_time_of_the_compiler(const std::string& library)
+{
+    for (const char* const name : {"libstdc++.so.6", "libgcc_s.so.1", "libc.so.6", "libm.so.6", "libasan.so",
+                                   "libubsan.so", "libtsan.so", "ld-linux"})
+        if (library.rfind(name, 0) == 0)
+            return true;
+    return false;
+}
+
+TEST(ExportedSurface, is_the_factory_alone)
+{
+    std::vector<std::string> exported;
+    for (const Symbol& symbol : dynamic_symbols())
+        if (!is_undefined(symbol) && symbol.binding != "LOCAL" && symbol.section != "Ndx")
+            exported.push_back(symbol.name);
+
+    EXPECT_THAT(exported, ElementsAre("RPCHandler"));
+}
+
+TEST(ExportedSurface, rests_on_the_framework_the_interface_library_and_the_RMI_layer_only)
+{
+    std::vector<std::string> libraries;
+    for (const std::string& library : needed_libraries())
+        if (!is_run_time_of_the_compiler(library))
+            libraries.push_back(library);
+
+    EXPECT_THAT(libraries, testing::IsSubsetOf({"libzorb.so.1", "libVarnelRMI.so", "libddsrmi.so"}));
+    EXPECT_THAT(libraries, Contains("libzorb.so.1"));
+    EXPECT_THAT(libraries, Contains("libVarnelRMI.so"));
+}
+
+TEST(ExportedSurface, needs_nothing_that_those_libraries_do_not_give)
+{
+    std::vector<void*> libraries;
+    for (const std::string& name : needed_libraries()) {
+        const std::string in_this_build = std::string(LIBRARY_FOLDER) + "/" + name;
+        void* library = dlopen(in_this_build.c_str(), RTLD_LAZY);
+        if (library == nullptr)
+            library = dlopen(name.c_str(), RTLD_LAZY);
+        ASSERT_NE(library, nullptr) << dlerror();
+        libraries.push_back(library);
+    }
+
+    const std::vector<std::string> needed = needed_symbols();
+    std::vector<std::string> missing;
+    for (const std::string& name : needed) {
+        bool is_given = false;
+        for (void* const library : libraries)
+            is_given = is_given || dlsym(library, name.c_str()) != nullptr;
+        if (!is_given)
+            missing.push_back(name);
+    }
+
+    EXPECT_THAT(needed, Contains("os_strcpy"));
+    EXPECT_THAT(missing, IsEmpty());
+}
+
+TEST(ExportedSurface, uses_no_file_environment_thread_or_setting_of_the_system_log)
+{
+    const std::vector<std::string> needed = needed_symbols();
+
+    for (const char* const name : {"getenv", "secure_getenv", "open", "open64", "fopen", "fopen64",
+                                   "pthread_create", "openlog", "closelog", "setlogmask"})
+        EXPECT_THAT(needed, Not(Contains(name)));
+}
+
+} // namespace
