@@ -43,6 +43,12 @@ DDS::String copiedParameter(const KX_JSON& in, const char* key)
     return handOverCopy(textParameter(in, key).c_str());
 }
 
+/// Unlike other texts, the list is copied while the value that it comes from is still held.
+DDS::String copiedNodeList(const KX_JSON& in)
+{
+    return handOverCopy(in.get_json_object("params").get_json_string("mac_addr_list").c_str());
+}
+
 void logCall(const char* operation)
 {
     std::cout << "CALL RPC " << operation << std::endl;
@@ -127,29 +133,26 @@ int VarnelInterface::network_decommission(const KX_JSON&, KX_JSON&)
 
 int VarnelInterface::network_commission(const KX_JSON& in, KX_JSON&)
 {
-    return makeHandlerThenCall<MY_network_commission_handler>(m_proxy, "network_commission",
-                                                              &Proxy::async_network_commission,
-                                                              copiedParameter(in, "mac_addr_list"));
+    return makeHandlerThenCall<MY_network_commission_handler>(
+        m_proxy, "network_commission", &Proxy::async_network_commission, copiedNodeList(in));
 }
 
 int VarnelInterface::network_add_nodes(const KX_JSON& in, KX_JSON&)
 {
     return makeHandlerThenCall<MY_network_add_nodes_handler>(
-        m_proxy, "network_add_nodes", &Proxy::async_network_add_nodes, copiedParameter(in, "mac_addr_list"));
+        m_proxy, "network_add_nodes", &Proxy::async_network_add_nodes, copiedNodeList(in));
 }
 
 int VarnelInterface::network_remove_nodes(const KX_JSON& in, KX_JSON&)
 {
-    return makeHandlerThenCall<MY_network_remove_nodes_handler>(m_proxy, "network_remove_nodes",
-                                                                &Proxy::async_network_remove_nodes,
-                                                                copiedParameter(in, "mac_addr_list"));
+    return makeHandlerThenCall<MY_network_remove_nodes_handler>(
+        m_proxy, "network_remove_nodes", &Proxy::async_network_remove_nodes, copiedNodeList(in));
 }
 
 int VarnelInterface::network_get_nodes_status(const KX_JSON& in, KX_JSON&)
 {
-    return makeHandlerThenCall<MY_network_get_nodes_status_handler>(m_proxy, "network_get_nodes_status",
-                                                                    &Proxy::async_network_get_nodes_status,
-                                                                    copiedParameter(in, "mac_addr_list"));
+    return makeHandlerThenCall<MY_network_get_nodes_status_handler>(
+        m_proxy, "network_get_nodes_status", &Proxy::async_network_get_nodes_status, copiedNodeList(in));
 }
 
 int VarnelInterface::advertising(const KX_JSON& in, KX_JSON&)
