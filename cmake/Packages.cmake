@@ -13,6 +13,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/packaging/zorbd.conf DESTINATION /etc/zorbd 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME varnelrpc)
 set(CPACK_PACKAGE_CONTACT "The ${PROJECT_NAME} maintainers <maintainers@localhost>")
+# Otherwise it would go before every package's own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_OUTPUT_FILE_PREFIX ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_STRIP_FILES ON)

@@ -20,6 +20,19 @@ configure() {
     fi
 }
 
+# make_packages <preset>: Debian packages of what has been built, in build/<preset>/packages. The same sources give the
+# same packages.
+make_packages() {
+    local log="build/$1/packages.log" time
+    rm -rf "build/$1/packages"
+    time=$(git log -1 --format=%ct 2>/dev/null || echo 0)
+    if ! SOURCE_DATE_EPOCH=$time cmake -E chdir "build/$1" cpack >"$log" 2>&1; then
+        cat "$log" >&2
+        complain "cannot make packages; the report above is also in $log"
+        return 1
+    fi
+}
+
 # build <preset> [target...]: every target when none is named.
 build() {
     local preset=$1

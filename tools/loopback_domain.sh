@@ -4,8 +4,11 @@
 
 # reserve_domain: gives its number in $domain. The lock files are those of the tests, the same for the whole machine;
 # the processes started from here inherit the lock, so the number stays theirs until the last of them ends.
+# Who has reserved one already hands it over in VARNEL_DDS_DOMAIN.
 reserve_domain() {
     local lock
+    domain=${VARNEL_DDS_DOMAIN:-}
+    [[ -z $domain ]] || return 0
     for domain in {1..99}; do
         { exec {lock}>>"/tmp/varnel-dds-domain-$domain.lock"; } 2>/dev/null || continue
         flock --nonblock "$lock" && return 0

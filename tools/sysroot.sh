@@ -3,6 +3,8 @@
 # Makes the folder with the device's headers and libraries that the cross build needs, from the package registry
 # that apt is configured for. To be sourced, with messages.sh and packages.sh.
 
+# shellcheck disable=SC2034 # for those who source it
+# shellcheck disable=SC2034 # for those who source it
 readonly debian_release=bookworm
 
 # debian_sources: apt's sources of the release, as lines of a sources.list. They are the main archive alone: a
@@ -21,13 +23,17 @@ make_relative() {
     done
 }
 
-# extract_packages <architecture> <folder> <package>...: their content and that of what they depend on.
+# extract_packages <architecture> <folder> <package>... [-- <source>]: their content and that of what they depend on,
+# also from one more source in the form of sources.list.
 extract_packages() {
-    local architecture=$1 folder=$2 sources
+    local architecture=$1 folder=$2 names='' sources
     shift 2
     sources=$(debian_sources) || { complain "apt has no source for $debian_release; see /etc/apt/sources.list" && return 1; }
-    local names
-    names=$(IFS=, && echo "$*")
+    while (($# > 0)) && [[ $1 != -- ]]; do
+        names+=${names:+,}$1
+        shift
+    done
+    sources+=${2:+$'\n'$2}
     mmdebstrap --quiet --architectures="$architecture" --variant=extract --include="$names" \
         "$debian_release" - - <<<"$sources" | tar --extract --directory="$folder" --exclude='./dev/*' --exclude='./var/*'
 }

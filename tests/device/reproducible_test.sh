@@ -8,12 +8,13 @@ jobs=$2
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 source tests/system/assertions.sh
 source tests/install/build_settings.sh
+source tests/install/sources.sh
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 copy=$folder/a/folder/with/a/longer/name
 mkdir -p "$copy"
-tar --create --exclude=./build --exclude=./.git . | tar --extract --directory "$copy"
+copy_sources "$copy"
 
 mapfile -t options < <(build_settings "$build")
 

@@ -1,0 +1,21 @@
+# SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
+# Runs commands in a bare Debian system: what every system has, apt, and nothing else. To be sourced, with
+# messages.sh, packages.sh, sysroot.sh and loopback_domain.sh.
+
+# in_bare_root <folder> <command...>: the folder is copied to /work there, which is where the command runs; the system
+# is gone afterwards. Root, or a user who may make user namespaces.
+in_bare_root() {
+    local folder=$1 domain sources command
+    shift
+    # shellcheck disable=SC2154 # from sysroot.sh
+    sources=$(debian_sources) || { complain "apt has no source for $debian_release" && return 1; }
+    # In there, the locks of the machine's other DDS domains cannot be seen.
+    reserve_domain || return 1
+    printf -v command '%q ' env DEBIAN_FRONTEND=noninteractive VARNEL_DDS_DOMAIN="$domain" "$@"
+    # shellcheck disable=SC2016 # mmdebstrap's own shell replaces them
+    mmdebstrap --quiet --variant=apt --customize-hook='mkdir "$1/work"' \
+        --customize-hook="sync-in $(printf %q "$folder") /work" \
+        --customize-hook="chroot \"\$1\" sh -c $(printf %q "cd /work && exec $command")" \
+        "$debian_release" /dev/null - <<<"$sources"
+}
