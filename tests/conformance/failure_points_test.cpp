@@ -13,7 +13,6 @@
 namespace {
 
 using namespace conformance;
-using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

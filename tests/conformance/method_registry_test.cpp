@@ -13,9 +13,7 @@
 namespace {
 
 using namespace conformance;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::SizeIs;
 using zeb::api::CallbackMethod;

@@ -7,7 +7,6 @@
 namespace {
 
 using namespace conformance;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class NetworkWideOperation : public OperationTest, public testing::WithParamInterface<const char*>

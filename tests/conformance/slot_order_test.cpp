@@ -73,7 +73,6 @@ namespace {
 
 using namespace conformance;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 template <class Shape>
 Shape* seen_as(void* object)
