@@ -399,6 +399,9 @@ MUTATIONS = [
     Mutation("never-bound", INTERFACE,
              '    m_bound = true;\n',
              ''),
+    Mutation("bound-before-the-table-is-filled", INTERFACE,
+             "    BuildInterface();\n    m_bound = true;\n",
+             "    m_bound = true;\n    BuildInterface();\n"),
     Mutation("methods-without-a-service", INTERFACE,
              (
                  '    if (!m_proxyHolder.isProxyFound())\n'

@@ -87,6 +87,32 @@ TEST_F(MethodRegistry, is_filled_once_the_proxy_has_been_handed_over_and_asked_f
                             "method: network_commission"));
 }
 
+TEST_F(MethodRegistry, is_never_said_to_be_bound_while_it_is_half_filled)
+{
+    int asked = 0;
+    rmi_layer().at["method"] = [&asked] {
+        ++asked;
+        EXPECT_FALSE(handler_being_filled().isBound());
+    };
+
+    making_a_handler();
+
+    EXPECT_EQ(asked, 14);
+    EXPECT_TRUE(m_handler->isBound());
+}
+
+TEST_F(MethodRegistry, that_cannot_be_filled_takes_the_handler_down)
+{
+    rmi_layer().at["method"] = [] { throw std::runtime_error("no room"); };
+
+    const Events events = making_a_handler();
+
+    EXPECT_EQ(m_thrown, "std::runtime_error: no room");
+    const Events output = only({"output"}, events);
+    EXPECT_THAT(Events(output.end() - 2, output.end()),
+                ElementsAre("output: KX_DDS_RMI_PROXY destroy\n", "output: VarnelInterface destructor\n"));
+}
+
 TEST_F(MethodRegistry, has_no_descriptions)
 {
     making_a_handler();

@@ -47,6 +47,7 @@ const KX_JSON* request = nullptr;
 const KX_JSON* response = nullptr;
 JsonStep json_step;
 unsigned device_value = 0;
+KX_RPCHandler* filled_handler = nullptr;
 
 /// What events call a value.
 std::string name_of(const KX_JSON* value)
@@ -81,6 +82,11 @@ WatchedValues::~WatchedValues()
 void at_each_getter(JsonStep step)
 {
     json_step = std::move(step);
+}
+
+KX_RPCHandler& handler_being_filled()
+{
+    return *filled_handler;
 }
 
 void set_random_device_value(unsigned value)
@@ -130,6 +136,9 @@ void wrapped_add_method(KX_RPCHandler* handler, CallbackMethod* method)
         record("method", method->GetName());
     }
     real_add_method(handler, method);
+    const Unobserved unobserved;
+    filled_handler = handler;
+    reach("method");
 }
 
 void real_start(KX_DDS_RMI_RUNTIME*, bool) REAL(START_RUNTIME);

@@ -2,6 +2,7 @@
 #ifndef TESTS_CONFORMANCE_FRAMEWORK_PROBE_H
 #define TESTS_CONFORMANCE_FRAMEWORK_PROBE_H
 
+#include <zeb/api/KX_RPCHandler.h>
 #include <zeb/api/data/KX_JSON.h>
 
 #include <functional>
@@ -21,6 +22,9 @@ public:
 /// Run when a getter that the plug-in calls has been recorded; may throw.
 using JsonStep = std::function<void()>;
 void at_each_getter(JsonStep step);
+
+/// The handler that was handed a method last; for what is run at the step "method".
+zeb::api::KX_RPCHandler& handler_being_filled();
 
 /// What std::random_device gives the plug-in.
 void set_random_device_value(unsigned value);

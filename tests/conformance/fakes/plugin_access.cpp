@@ -2,8 +2,19 @@
 #include "plugin_access.h"
 
 #include <map>
+#include <type_traits>
 
 #include "varnel_interf.h"
+
+// The methods in a handler's table point at its interface, so it stays where it is.
+static_assert(!std::is_copy_constructible<VarnelRPCHandler>::value, "");
+static_assert(!std::is_move_constructible<VarnelRPCHandler>::value, "");
+static_assert(!std::is_copy_assignable<VarnelRPCHandler>::value, "");
+static_assert(!std::is_move_assignable<VarnelRPCHandler>::value, "");
+// Nothing but a table of virtual functions and the proxy.
+static_assert(sizeof(VarnelInterface) == sizeof(void*) + sizeof(conformance::ProxyHandle), "");
+// Hosts reach the holder through no table.
+static_assert(!std::is_polymorphic<zeb::api::mdw::KX_DDS_RMI_PROXY<conformance::Proxy>>::value, "");
 
 namespace conformance {
 namespace {

@@ -34,7 +34,7 @@ struct RmiLayer
     /// What the registry answers a lookup with; may be null.
     org::opensplice::DDS_RMI::CInterfaceProxy_ref found;
     /// Run when the step of that name has been recorded; may throw. The steps: "obtain", "start", "ready",
-    /// "register", "registry", "resolve", "mutex", "call", "device".
+    /// "register", "registry", "resolve", "mutex", "call", "device", "method".
     std::map<std::string, Step> at;
 };
 
