@@ -6,10 +6,17 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <ctime>
+#include <future>
 #include <iostream>
+#include <memory>
 #include <mutex>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "ddsrmi.h"
 #include "reply_handlers.h"
@@ -31,6 +38,8 @@ struct Options
     DDS::Long caller = 1;
     std::size_t calls = 1;
     std::size_t window = 64;
+    DDS::Long threads = 1;
+    std::size_t outstanding = 1;
     unsigned pause_us = 0;
 };
 
@@ -56,10 +65,11 @@ void print(const std::string& title, const StreamResult& result)
               << " max_us=" << result.percentile(100) << std::endl;
 }
 
-StampStream make_stream(const Options& options)
+/// Its caller number is `offset` above the one in the options.
+StampStream make_stream(const Options& options, const Proxy& proxy, DDS::Long offset = 0)
 {
     const DDS::Long instance = options.instance < 0 ? usual_instance : options.instance;
-    return {find_proxy(options), instance, options.caller, options.window};
+    return {proxy, instance, options.caller + offset, options.window};
 }
 
 /// Binds, makes one call at once and waits for its reply.
@@ -74,22 +84,35 @@ int run_once(const Options& options)
     return answered && tally->wrong() == 0 ? 0 : 1;
 }
 
-/// Makes so many calls and waits for their replies.
-int run_flood(const Options& options)
+StreamResult flood(const Options& options, const Proxy& proxy, DDS::Long thread)
 {
-    StampStream stream = make_stream(options);
+    StampStream stream = make_stream(options, proxy, thread);
     for (std::size_t i = 0; i < options.calls; ++i)
         stream.call();
     stream.finish(std::chrono::milliseconds(options.timeout_ms));
-    const StreamResult result = stream.take_result();
-    print("done", result);
-    return result.replied == options.calls && result.wrong == 0 ? 0 : 1;
+    return stream.take_result();
+}
+
+/// Makes so many calls on each of so many threads and waits for their replies.
+int run_flood(const Options& options)
+{
+    const Proxy proxy = find_proxy(options);
+    std::vector<std::future<StreamResult>> results;
+    for (DDS::Long thread = 0; thread < options.threads; ++thread)
+        results.push_back(std::async(std::launch::async, flood, options, proxy, thread));
+    bool good = true;
+    for (auto& one : results) {
+        const StreamResult result = one.get();
+        print("done", result);
+        good = good && result.replied == options.calls && result.wrong == 0;
+    }
+    return good ? 0 : 1;
 }
 
 /// Makes calls until standard input ends. A line on standard input is printed with the counts since the last.
 int run_load(const Options& options)
 {
-    StampStream stream = make_stream(options);
+    StampStream stream = make_stream(options, find_proxy(options));
     std::atomic<bool> ended{false};
     std::thread orders([&] {
         std::string line;
@@ -107,6 +130,132 @@ int run_load(const Options& options)
     orders.join();
     stream.finish(std::chrono::milliseconds(options.timeout_ms));
     print("done", stream.take_result());
+    return 0;
+}
+
+/// What its server counts of the calls of flood and load.
+int run_ask(const Options& options)
+{
+    const Proxy proxy = find_proxy(options);
+    std::cout << "runs=" << proxy->runs() << " repeats=" << proxy->repeats() << std::endl;
+    return 0;
+}
+
+double processor_microseconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
+}
+
+/// What a call costs this process, one at a time, while so many in all are outstanding; the others are calls
+/// that the server never answers.
+int run_cost(const Options& options)
+{
+    const Proxy proxy = find_proxy(options);
+    const auto lost = std::make_shared<drill::Tally>();
+    for (std::size_t i = 1; i < options.outstanding; ++i) {
+        const rmi::shared_ptr<drill::FailHandler> handler(new drill::FailHandler(lost, 0));
+        proxy->async_fail(0, handler.get());
+    }
+    proxy->echo(0); // the one server thread has dealt with the others once this is answered
+
+    Options one_at_a_time = options;
+    one_at_a_time.window = 1;
+    StampStream stream = make_stream(one_at_a_time, proxy);
+    const double start = processor_microseconds();
+    for (std::size_t i = 0; i < options.calls; ++i)
+        stream.call();
+    stream.finish(std::chrono::milliseconds(options.timeout_ms));
+    const double cost = (processor_microseconds() - start) / static_cast<double>(options.calls);
+
+    const StreamResult result = stream.take_result();
+    std::cout << "cost_us=" << cost << " p50_us=" << result.percentile(50) << " replied=" << result.replied
+              << " still_outstanding=" << options.outstanding - 1 - lost->releases() << std::endl;
+    return result.replied == options.calls ? 0 : 1;
+}
+
+/// Calls until one is answered.
+void ping(const Proxy& proxy, unsigned usual_timeout_ms)
+{
+    proxy->setTimeout(200);
+    for (bool answered = false; !answered;) {
+        try {
+            answered = proxy->echo(7) == 7;
+        } catch (const rmi::TIMEOUT&) {
+            // the server that was there may still be believed in
+        } catch (const rmi::SERVICE_NOT_FOUND&) {
+            drill::Tally().wait_for_replies(1, std::chrono::milliseconds(10));
+        }
+    }
+    proxy->setTimeout(usual_timeout_ms);
+    std::cout << "pong" << std::endl;
+}
+
+/// Has so many calls outstanding that wait at the server's gate, until all are answered or given up.
+void hoard(const Proxy& proxy, std::size_t calls)
+{
+    const auto tally = std::make_shared<drill::Tally>();
+    for (std::size_t i = 0; i < calls; ++i) {
+        const rmi::shared_ptr<drill::GatedHandler> handler(new drill::GatedHandler(tally, 1));
+        proxy->async_gated(1, handler.get());
+    }
+    std::cout << "hoarded" << std::endl;
+    tally->wait_for_releases(calls, std::chrono::hours(1));
+    std::cout << "released replied=" << tally->replies() << std::endl;
+}
+
+/// Makes calls whose reply hooks throw.
+void throw_from_hooks(const Proxy& proxy, std::size_t calls)
+{
+    const auto tally = std::make_shared<drill::Tally>();
+    for (std::size_t i = 0; i < calls; ++i) {
+        const rmi::shared_ptr<drill::EchoHandler> handler(
+            new drill::EchoHandler(tally, 1, [] { throw std::runtime_error("on purpose"); }));
+        proxy->async_echo(1, handler.get());
+    }
+    tally->wait_for_releases(calls);
+    std::cout << "thrown replied=" << tally->replies() << std::endl;
+}
+
+/// Makes calls whose implementation throws.
+void make_implementation_throw(const Proxy& proxy, std::size_t calls)
+{
+    const auto tally = std::make_shared<drill::Tally>();
+    for (std::size_t i = 0; i < calls; ++i) {
+        const auto value = static_cast<DDS::Long>(i);
+        const rmi::shared_ptr<drill::FailHandler> handler(new drill::FailHandler(tally, value));
+        proxy->async_fail(value, handler.get());
+    }
+    tally->wait_for_releases(calls);
+    std::cout << "failed replied=" << tally->replies() << std::endl;
+}
+
+void obey(const Options& options, const Proxy& proxy, const std::string& command)
+{
+    std::istringstream words(command);
+    std::string verb;
+    std::size_t calls = 0;
+    words >> verb >> calls;
+    if (verb == "ping")
+        ping(proxy, options.timeout_ms);
+    else if (verb == "hoard")
+        hoard(proxy, calls);
+    else if (verb == "throw")
+        throw_from_hooks(proxy, calls);
+    else if (verb == "fail")
+        make_implementation_throw(proxy, calls);
+    else
+        std::cout << "unknown command" << std::endl;
+}
+
+/// Does what standard input says, line by line.
+int run_obey(const Options& options)
+{
+    const Proxy proxy = find_proxy(options);
+    std::string line;
+    while (std::getline(std::cin, line))
+        obey(options, proxy, line);
     return 0;
 }
 
@@ -146,15 +295,27 @@ int main(int argc, char* argv[])
         ->capture_default_str();
     app.add_option("--window", options.window, "Most calls outstanding at a time")->capture_default_str();
 
-    app.add_subcommand("once", "Make one call right after binding");
-    CLI::App* const flood = app.add_subcommand("flood", "Make a number of calls");
-    flood->add_option("--calls", options.calls, "How many")->capture_default_str();
+    const auto* const once = app.add_subcommand("once", "Make one call right after binding");
+    CLI::App* const flood_mode = app.add_subcommand("flood", "Make a number of calls");
+    flood_mode->add_option("--calls", options.calls, "How many, on each thread")->capture_default_str();
+    flood_mode->add_option("--threads", options.threads, "Threads that share the proxy")
+        ->capture_default_str();
     CLI::App* const load = app.add_subcommand(
         "load", "Make calls until standard input ends; each line on it asks for the counts since the last");
     load->add_option("--pause", options.pause_us, "Microseconds between calls")->capture_default_str();
+    const auto* const ask = app.add_subcommand("ask", "Print how many calls the server has run");
+    CLI::App* const cost = app.add_subcommand("cost", "Print what a call costs beside outstanding ones");
+    cost->add_option("--calls", options.calls, "How many to measure")->capture_default_str();
+    cost->add_option("--outstanding", options.outstanding, "How many are outstanding in all")
+        ->capture_default_str();
+    app.add_subcommand("obey",
+                       "Obey lines on standard input: ping, hoard <calls>, throw <calls>, fail <calls>");
     CLI11_PARSE(app, argc, argv);
 
-    if (app.got_subcommand("once"))
-        return run(run_once, options);
-    return run(app.got_subcommand(flood) ? run_flood : run_load, options);
+    const std::array<std::pair<const CLI::App*, int (*)(const Options&)>, 5> modes{
+        {{once, run_once}, {flood_mode, run_flood}, {load, run_load}, {ask, run_ask}, {cost, run_cost}}};
+    for (const auto& [subcommand, mode] : modes)
+        if (subcommand->parsed())
+            return run(mode, options);
+    return run(run_obey, options);
 }

@@ -130,4 +130,12 @@ TEST_F(Release, of_one_proxy_leaves_another_alone)
     EXPECT_EQ(kept->echo(7), 7);
 }
 
+TEST_F(Release, lets_the_library_that_holds_the_hooks_be_unloaded)
+{
+    const Server server;
+    test_support::ChildProcess unloader({DRILL_UNLOADER, "--cycles", "6", DRILL_PLUGIN});
+
+    EXPECT_EQ(unloader.wait_for_exit(), 0) << unloader.error_output();
+}
+
 } // namespace
