@@ -274,9 +274,9 @@ TEST(plugins, are_all_reported_by_the_health_page)
     const auto healthy = ask(zorbd.port(), get("/healthz"));
 
     EXPECT_EQ(waiting.status, 503);
-    EXPECT_THAT(waiting.body, JsonEq(report("waiting", false, 4)));
+    EXPECT_THAT(waiting.body, JsonEq(report("waiting", false, 5)));
     EXPECT_EQ(healthy.status, 200);
-    EXPECT_THAT(healthy.body, JsonEq(report("ok", true, 3)));
+    EXPECT_THAT(healthy.body, JsonEq(report("ok", true, 4)));
 }
 
 TEST(plugins, are_described_by_rpc_discover)
@@ -292,7 +292,7 @@ TEST(plugins, are_described_by_rpc_discover)
         response.body,
         JsonEq(R"({"jsonrpc":"2.0","id":1,"result":{"openrpc":"1.2.6","info":{"title":"zorbd","version":")" +
                std::string(PROGRAM_VERSION) + R"("},"methods":[)" + method("seven") + ',' + method("echo") +
-               ',' + method("refuse") + ',' + method("hold") + "]}}"));
+               ',' + method("fill") + ',' + method("refuse") + ',' + method("hold") + "]}}"));
 }
 
 TEST(plugins, write_their_lines_to_standard_output_as_they_are_and_zorbd_its_own_to_standard_error)

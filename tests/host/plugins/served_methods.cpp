@@ -25,6 +25,14 @@ public:
         return 0;
     }
 
+    /// Answers a text of as many characters as "params" says.
+    int fill(const Json& in, Json& out)
+    {
+        const int size = in.get_json_object("params").get_json_int("size");
+        out.set_json_string("result", std::string(static_cast<std::size_t>(size), 'x'));
+        return 0;
+    }
+
     int refuse(const Json& /*in*/, Json& /*out*/) { throw std::invalid_argument("no such thing"); }
 
     /// Runs until somebody opens the FIFO that "params" names and closes it again.
@@ -46,6 +54,7 @@ public:
     {
         add("seven", &Methods::seven);
         add("echo", &Methods::echo);
+        add("fill", &Methods::fill);
         add("refuse", &Methods::refuse);
         add("hold", &Methods::hold);
         std::cout << "served_methods made" << std::endl;
