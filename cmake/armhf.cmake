@@ -14,6 +14,8 @@ endif()
 
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+# Notes on how compilers before gcc 7 passed arguments; no code of such a one is linked with ours.
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 
 # Programs of the build, such as the code generators, are the build machine's; all else is the device's.
