@@ -13,6 +13,7 @@ for command in ./demo ./check; do
     expect "$command wants a value" exits_with 2 $command --preset
 done
 expect "./check refuses unknown sanitizers" exits_with 2 ./check --sanitize water
+expect "./check refuses an unknown target" exits_with 2 ./check --target water
 expect "./check refuses no tests at a time" exits_with 2 ./check --jobs 0
 expect "./demo refuses to wait for no time" exits_with 2 ./demo --patience 0
 
