@@ -1,0 +1,76 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Runs trials and prints their table. To be called by ./soak, which builds and sets the DDS domain up."""
+
+import argparse
+import sys
+import time
+
+import trials
+from programs import Failure, Programs
+
+
+def parse(arguments):
+    parser = argparse.ArgumentParser(prog='./soak')
+    parser.add_argument('--bin')
+    parser.add_argument('--lib')
+    parser.add_argument('--scale', type=float, default=1.0)
+    parser.add_argument('--list', action='store_true')
+    parser.add_argument('--check', action='store_true')
+    parser.add_argument('trials', nargs='*')
+    return parser.parse_args(arguments)
+
+
+def list_trials():
+    for name, trial in trials.ALL.items():
+        print(f'{name:18}{trial.__doc__}')
+
+
+def unknown(names):
+    for name in names:
+        if name not in trials.ALL:
+            print(f"soak: no trial '{name}'; see ./soak --list", file=sys.stderr)
+            return True
+    return False
+
+
+def show_progress(text):
+    print(f'   {time.strftime("%H:%M:%S")} {text}', file=sys.stderr, flush=True)
+
+
+def run(name, setting):
+    trial = trials.ALL[name]
+    show_progress(f'{name}: {trial.__doc__}')
+    start = time.monotonic()
+    try:
+        outcome = trial(setting)
+    except Failure as failure:
+        outcome = trials.Outcome('', f'broken off: {failure}', False)
+    show_progress(f'{name}: {"passed" if outcome.good else "FAILED"}: {outcome.seen}')
+    return outcome, time.monotonic() - start
+
+
+def print_table(results):
+    print('| trial | point | what was done | what was seen | seconds | result |')
+    print('|---|---|---|---|---|---|')
+    for name, (outcome, seconds) in results.items():
+        point, purpose = trials.ALL[name].__doc__.split(':', 1)
+        print(f'| {name} | {point} | {outcome.done or purpose.strip()} | {" ".join(outcome.seen.split())} '
+              f'| {seconds:.0f} | {"pass" if outcome.good else "FAIL"} |')
+
+
+def main():
+    options = parse(sys.argv[1:])
+    if options.list:
+        list_trials()
+        return 0
+    if unknown(options.trials):
+        return 2
+    if options.check:
+        return 0
+    setting = trials.Setting(Programs(options.bin, options.lib), options.scale, show_progress)
+    results = {name: run(name, setting) for name in options.trials or trials.ALL}
+    print_table(results)
+    return 0 if all(outcome.good for outcome, _ in results.values()) else 1
+
+
+sys.exit(main())
