@@ -16,6 +16,12 @@ bool is_reserved(const std::string& name)
     return name.compare(0, 4, "rpc.") == 0;
 }
 
+void log_reserved(const std::string& file, const std::string& method)
+{
+    log_message("plug-in " + file + ": its method " + method +
+                " is not served, because names that begin with rpc. are reserved");
+}
+
 } // namespace
 
 PluginSet::PluginSet(const std::vector<std::string>& files, BindingPauses pauses)
@@ -105,8 +111,7 @@ PluginSet::Offer PluginSet::make_offer(const std::string& file, const zeb::api::
     for (zeb::api::CallbackMethod* method : handler.GetMethods()) {
         const std::string name = method->GetName();
         if (is_reserved(name))
-            log_message("plug-in " + file + ": its method " + name +
-                        " is not served, because names that begin with rpc. are reserved");
+            log_reserved(file, name);
         else
             offer.push_back({name, method, describe_method(name, *method)});
     }

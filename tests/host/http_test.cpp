@@ -107,20 +107,24 @@ TEST(http, takes_a_request_byte_by_byte_and_in_chunks)
     EXPECT_THAT(connection.receive().body, JsonEq(R"({"jsonrpc":"2.0","result":7,"id":123})"));
 }
 
+void call_with_id(HttpConnection& connection, const std::string& id)
+{
+    connection.send(post(call("echo", R"({"mine":)" + id + '}', id)));
+    EXPECT_THAT(connection.receive().body,
+                JsonEq(R"({"jsonrpc":"2.0","result":{"mine":)" + id + R"(},"id":)" + id + '}'));
+}
+
 TEST(http, answers_many_clients_at_once_each_with_its_own_id)
 {
     const ZorbdProcess zorbd;
     std::vector<std::thread> clients;
+    clients.reserve(16);
 
     for (int client = 0; client < 16; ++client)
         clients.emplace_back([client, port = zorbd.port()] {
             HttpConnection connection(port);
-            for (int i = 0; i < 50; ++i) {
-                const std::string id = '"' + std::to_string(client) + '.' + std::to_string(i) + '"';
-                connection.send(post(call("echo", R"({"mine":)" + id + '}', id)));
-                EXPECT_THAT(connection.receive().body,
-                            JsonEq(R"({"jsonrpc":"2.0","result":{"mine":)" + id + R"(},"id":)" + id + '}'));
-            }
+            for (int i = 0; i < 50; ++i)
+                call_with_id(connection, std::to_string(1000 * client + i));
         });
 
     for (std::thread& client : clients)

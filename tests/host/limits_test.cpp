@@ -226,6 +226,7 @@ TEST(limits, a_thousand_idle_connections_cost_little_and_slow_no_one)
     const ZorbdProcess zorbd({"--max-connections", "1100", "--max-connections-per-address", "1100"});
     const std::size_t before = resident_kib(zorbd.pid());
     std::vector<HttpConnection> idle;
+    idle.reserve(1000);
     for (int i = 0; i < 1000; ++i)
         idle.emplace_back(zorbd.port());
     for (HttpConnection* connection : {&idle.front(), &idle.back()}) { // so all of them have been taken in

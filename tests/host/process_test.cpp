@@ -33,7 +33,6 @@ using test_support::ChildProcess;
 using test_support::TemporaryFolder;
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr std::chrono::seconds at_once{20}; // far below the pauses that must not be waited for
 
