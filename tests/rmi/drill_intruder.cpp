@@ -181,9 +181,9 @@ const std::array<Lane, 4>& lanes()
     return all;
 }
 
-void publish_bytes(const dds_topic_descriptor_t& type, unsigned samples, Random& random)
+void publish_bytes(const Participant& participant, const dds_topic_descriptor_t& type, unsigned samples,
+                   Random& random)
 {
-    const Participant participant;
     for (const Lane& lane : lanes()) {
         const Writer writer(participant, forged(type, lane.type.m_typename), lane.topic);
         writer.wait_for_reader();
@@ -193,9 +193,8 @@ void publish_bytes(const dds_topic_descriptor_t& type, unsigned samples, Random&
     }
 }
 
-void publish_other_type(unsigned samples)
+void publish_other_type(const Participant& participant, unsigned samples)
 {
-    const Participant participant;
     char name[] = "drill";
     const Intruder_Stranger stranger{name, 0.5};
     for (const Lane& lane : lanes()) {
@@ -225,9 +224,8 @@ DDS_RMI_Request_Header odd_header(unsigned variant)
 
 /// Well-formed samples of "echo", each followed by the end of its instance.
 template <class Sample>
-void publish_odd_headers(const Lane& lane, unsigned samples)
+void publish_odd_headers(const Participant& participant, const Lane& lane, unsigned samples)
 {
-    const Participant participant;
     const Writer writer(participant, lane.type, lane.topic);
     writer.wait_for_reader();
     for (unsigned i = 0; i < samples; ++i) {
@@ -247,10 +245,12 @@ public:
         char server_class[] = "Drill::Range";
         char service[] = "drill";
         const DDS_RMI_Identification identification{server_class, service, 1};
-        for (const char* const path : {"", "*", "0badc0de-1"})
-            Writer(m_participant, DDS_RMI_Identification_desc, "DDS_ServiceIdentification",
-                   announcement_qos(path))
-                .write(&identification);
+        for (const char* const path : {"", "*", "0badc0de-1"}) {
+            const Writer writer(m_participant, DDS_RMI_Identification_desc, "DDS_ServiceIdentification",
+                                announcement_qos(path));
+            writer.wait_for_reader();
+            writer.write(&identification);
+        }
     }
 
 private:
@@ -269,14 +269,18 @@ private:
 
 void intrude(unsigned samples, unsigned seed)
 {
+    const std::array<const dds_topic_descriptor_t*, 5> types{&Intruder_Bytes4_desc, &Intruder_Bytes20_desc,
+                                                             &Intruder_Bytes40_desc, &Intruder_Bytes64_desc,
+                                                             &Intruder_Bytes1000_desc};
+    const std::array<Participant, 5> participants;
+    const Participant stranger;
+    const Participant well_formed;
     Random random(seed);
-    publish_other_type(samples);
-    for (const dds_topic_descriptor_t* const type :
-         {&Intruder_Bytes4_desc, &Intruder_Bytes20_desc, &Intruder_Bytes40_desc, &Intruder_Bytes64_desc,
-          &Intruder_Bytes1000_desc})
-        publish_bytes(*type, samples, random);
-    publish_odd_headers<DDS_RMI_Drill_Range_echo_request>(lanes()[0], samples);
-    publish_odd_headers<DDS_RMI_Drill_Range_echo_reply>(lanes()[1], samples);
+    for (std::size_t i = 0; i < types.size(); ++i)
+        publish_bytes(participants[i], *types[i], samples, random);
+    publish_other_type(stranger, samples);
+    publish_odd_headers<DDS_RMI_Drill_Range_echo_request>(well_formed, lanes()[0], samples);
+    publish_odd_headers<DDS_RMI_Drill_Range_echo_reply>(well_formed, lanes()[1], samples);
 }
 
 void wait_for_end_of_input()
