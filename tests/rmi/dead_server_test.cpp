@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <memory>
@@ -149,6 +150,40 @@ TEST_F(DeadServer, that_is_started_again_leaves_the_requests_of_the_old_one_to_t
     EXPECT_TRUE(is_answered_again(proxy));
     EXPECT_TRUE(tally->wait_for_releases(calls));
     EXPECT_EQ(tally->replies(), 0U);
+}
+
+// Six writers with something that nobody acknowledges: to wait a second for each would show.
+TEST_F(DeadServer, that_is_started_again_does_not_hold_up_calls_when_the_old_requests_are_given_up)
+{
+    constexpr std::size_t lost = 6;
+    constexpr int calls_afterwards = 100;
+    constexpr std::chrono::seconds longest_wait{3};
+    auto server = std::make_unique<Server>();
+    const Proxy proxy = find_proxy();
+    const auto tally = std::make_shared<Tally>();
+    EXPECT_EQ(proxy->echo(7), 7);
+    server->kill();
+    proxy->setTimeout(3000);
+    call_echo(proxy, tally, 1);
+    call_gated(proxy, tally, 1);
+    call_echo_text(proxy, tally, "text");
+    proxy->async_note_red(1, new drill::NoteRedHandler(tally, 1));
+    proxy->async_note_green(1, new drill::NoteGreenHandler(tally, 1));
+    proxy->async_note_blue(1, new drill::NoteBlueHandler(tally, 1));
+    server = std::make_unique<Server>();
+    EXPECT_TRUE(is_answered_again(proxy));
+    proxy->setTimeout(60'000);
+
+    auto longest = Clock::duration::zero();
+    for (int afterwards = 0; afterwards < calls_afterwards;) {
+        const auto start = Clock::now();
+        EXPECT_EQ(proxy->echo(7), 7);
+        longest = std::max(longest, Clock::now() - start);
+        afterwards += tally->releases() == lost ? 1 : 0;
+    }
+
+    EXPECT_EQ(tally->replies(), 0U);
+    EXPECT_LT(longest, longest_wait);
 }
 
 TEST_F(DeadServer, is_replaced_by_another_instance_for_a_proxy_of_any)

@@ -18,6 +18,8 @@ constexpr std::chrono::seconds blocking_time{1};
 constexpr std::size_t most_outstanding = 200'000;
 // How long one server is tried before the next one, where a service has several.
 constexpr std::chrono::seconds connect_patience{3};
+// How often a link that is to go is looked at while its server owes it acknowledgements.
+constexpr std::chrono::milliseconds idle_check_pause{500};
 
 char* c_string(const std::string& text)
 {
@@ -157,6 +159,7 @@ std::chrono::nanoseconds RequestChannel::time_to_next_task()
     auto next = m_outstanding.plan_wake_up(now);
     if (m_candidate != nullptr && m_watch.live().size() > 1)
         next = std::min(next, m_candidate_patience);
+    next = std::min(next, m_idle_check);
     for (const Link& link : m_links)
         next = std::min(next, link->greeting_due());
     if (m_links_need_care)
@@ -203,7 +206,7 @@ void RequestChannel::greet_servers()
 void RequestChannel::tend_links()
 {
     const bool out_of_patience = m_candidate != nullptr && Clock::now() >= m_candidate_patience;
-    if (!m_links_need_care && !out_of_patience)
+    if (!m_links_need_care && !out_of_patience && Clock::now() < m_idle_check)
         return;
     m_links_need_care = false;
 
@@ -261,9 +264,21 @@ void RequestChannel::promote(const Link& link)
 
 void RequestChannel::drop_idle_links()
 {
+    m_idle_check = Clock::time_point::max();
     m_links.erase(
-        std::remove_if(m_links.begin(), m_links.end(), [this](const Link& link) { return is_idle(link); }),
+        std::remove_if(m_links.begin(), m_links.end(), [this](const Link& link) { return may_go(link); }),
         m_links.end());
+}
+
+// Replies are not delivered while a link is being destroyed.
+bool RequestChannel::may_go(const Link& link)
+{
+    if (!is_idle(link))
+        return false;
+    if (link->settled())
+        return true;
+    m_idle_check = Clock::now() + idle_check_pause;
+    return false;
 }
 
 bool RequestChannel::is_idle(const Link& link) const

@@ -73,6 +73,7 @@ private:
     void promote(const Link& link);
     void drop_idle_links();
     bool is_idle(const Link& link) const;
+    bool may_go(const Link& link);
 
     Link usable_link();
     void fill_header(void* request, DDS::ULong id, const ServerLink& link) const;
@@ -95,6 +96,7 @@ private:
     Link m_candidate; // being connected
     Clock::time_point m_candidate_patience{};
     bool m_links_need_care = true;
+    Clock::time_point m_idle_check = Clock::time_point::max(); // of links that are idle but not settled
 
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;

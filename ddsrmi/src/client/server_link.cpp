@@ -78,6 +78,13 @@ dds_return_t ServerLink::write(std::size_t operation, const void* request) const
     return dds_write(m_exchanges[operation].request_writer.get(), request);
 }
 
+bool ServerLink::settled() const
+{
+    return std::all_of(m_exchanges.begin(), m_exchanges.end(), [](const Exchange& exchange) {
+        return dds_wait_for_acks(exchange.request_writer.get(), 0) != DDS_RETCODE_TIMEOUT;
+    });
+}
+
 void ServerLink::on_reader_event(std::size_t operation)
 {
     Exchange& exchange = m_exchanges[operation];

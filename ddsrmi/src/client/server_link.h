@@ -43,6 +43,11 @@ public:
     /// greetings have passed between them. Any thread.
     bool connected() const { return m_connected.load(std::memory_order_acquire); }
 
+    /// Whether the server has acknowledged all that was written, or has gone. Only then is the link destroyed
+    /// at once: Cyclone keeps every writer that is to go waiting for its acknowledgements, up to a second
+    /// each.
+    bool settled() const;
+
     /// A Cyclone return code. Any thread.
     dds_return_t write(std::size_t operation, const void* request) const;
 
