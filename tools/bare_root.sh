@@ -1,7 +1,12 @@
 # SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
-# Runs commands in a bare Debian system: what every system has, apt, and nothing else. To be sourced, with
-# messages.sh, packages.sh, sysroot.sh and loopback_domain.sh.
+# Runs commands in a bare Debian system: what every system has, apt, and nothing else. To be sourced at the root of the
+# sources; it brings what it needs.
+
+source tools/messages.sh
+source tools/packages.sh
+source tools/sysroot.sh
+source tools/loopback_domain.sh
 
 # in_bare_root <folder> <command...>: the folder is copied to /work there, which is where the command runs; the system
 # is gone afterwards. Root, or a user who may make user namespaces.

@@ -3,10 +3,6 @@
 # ./demo, in a copy of the sources on a bare system, sets everything up by itself and succeeds.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-source tools/messages.sh
-source tools/packages.sh
-source tools/sysroot.sh
-source tools/loopback_domain.sh
 source tools/bare_root.sh
 source tests/install/sources.sh
 

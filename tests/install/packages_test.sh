@@ -5,10 +5,6 @@
 set -euo pipefail
 made=$(cd "$1" && pwd)
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-source tools/messages.sh
-source tools/packages.sh
-source tools/sysroot.sh
-source tools/loopback_domain.sh
 source tools/bare_root.sh
 source tests/install/sources.sh
 
