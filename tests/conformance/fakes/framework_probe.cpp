@@ -16,9 +16,6 @@
 #include "recording.h"
 #include "rmi_layer.h"
 
-using conformance::reach;
-using conformance::record;
-using conformance::Unobserved;
 using zeb::api::CallbackMethod;
 using zeb::api::KX_RPCHandler;
 using zeb::api::data::KX_JSON;
