@@ -237,16 +237,13 @@ MUTATIONS = [
                  '    }\n'
                  '    return 0;')),
     Mutation("call-under-a-lock", INTERFACE,
-             (
-                 '    logCall(operation);\n'
-                 '    (proxy.get()->*start)(arguments..., handler.get());\n'
-                 '    return 0;'),
-             (
-                 '    logCall(operation);\n'
-                 '    static std::mutex calls;\n'
-                 '    const std::lock_guard<std::mutex> lock(calls);\n'
-                 '    (proxy.get()->*start)(arguments..., handler.get());\n'
-                 '    return 0;')),
+             ("    logCall(operation);\n"
+              "    (proxy.get()->*start)(arguments..., handler.get());\n"),
+             ("    logCall(operation);\n"
+              "    static pthread_mutex_t calls = PTHREAD_MUTEX_INITIALIZER;\n"
+              "    pthread_mutex_lock(&calls);\n"
+              "    (proxy.get()->*start)(arguments..., handler.get());\n"
+              "    pthread_mutex_unlock(&calls);\n")),
     Mutation("proxy-reference-for-each-call", INTERFACE,
              'int logThenCall(const shared_ptr<Proxy>& proxy,',
              'int logThenCall(const shared_ptr<Proxy> proxy,'),
@@ -478,7 +475,7 @@ MUTATIONS = [
              'async_node_get_data returns:'),
     Mutation("reply-without-flush", REPLIES,
              'text << result << std::endl;',
-             "text << result << '\n';"),
+             "text << result << '\\n';"),
     Mutation("failure-reply-not-logged", REPLIES,
              '    std::cout << text << result << std::endl;',
              (

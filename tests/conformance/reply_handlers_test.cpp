@@ -7,6 +7,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "for_every_operation.h"
 #include "operation_facts.h"
 #include "operation_fixture.h"
 
@@ -102,13 +103,6 @@ bool is_handled_by(const ReceivedCall& received)
 {
     return dynamic_cast<Handler*>(received.handler) != nullptr;
 }
-
-#define FOR_EVERY_OPERATION(action)                                                                          \
-    action(network_get_info) action(network_get_node_list) action(network_decommission)                      \
-        action(network_commission) action(network_add_nodes) action(network_remove_nodes)                    \
-            action(network_get_nodes_status) action(advertising) action(node_get_config)                     \
-                action(node_set_config) action(node_set_config_revert) action(node_get_data)                 \
-                    action(test_node_create) action(test_node_set_sensor_data)
 
 TEST(ReplyHandlerClasses, derive_virtually_from_the_generated_base_and_add_nothing)
 {

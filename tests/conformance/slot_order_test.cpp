@@ -6,9 +6,11 @@
 
 #include <stdexcept>
 
+#include "for_every_operation.h"
 #include "framework/parse_json.h"
 #include "handler_fixture.h"
 #include "operation_facts.h"
+#include "varnel_interf.h"
 #include "varnel_reply_handlers.h"
 #include <zeb/api/CallbackMethod.h>
 
@@ -97,14 +99,15 @@ CALLS_THROUGH_ANOTHER_CLASS void destroy(Shape* object)
 
 TEST_F(SlotOrder, of_the_handler_is_destructor_then_isBound)
 {
-    zeb::api::KX_RPCHandler* const made = make_handler().release();
-    auto* const handler = seen_as<shapes::Handler>(made);
+    shapes::Handler* handler = nullptr;
+    events_of([&] { handler = seen_as<shapes::Handler>(make_handler().release()); });
 
     EXPECT_THAT(events_of([&] { EXPECT_TRUE(ask(handler)); }),
                 ElementsAre("output: VarnelRPCHandler isBound:1\n"));
     EXPECT_THAT(only({"output"}, events_of([&] { destroy(handler); })),
                 ElementsAre("output: VarnelRPCHandler destructor\n", "output: KX_DDS_RMI_PROXY destroy\n",
                             "output: VarnelInterface destructor\n"));
+    EXPECT_EQ(objects_left(), 0U) << "its memory has not been freed";
 }
 
 CALLS_THROUGH_ANOTHER_CLASS int call(shapes::Method* method, const shapes::Json& in, shapes::Json& out)
@@ -138,10 +141,36 @@ TEST_F(SlotOrder, of_a_method_is_destructor_Call_GetName_GetDescription)
 
 TEST_F(SlotOrder, of_the_interface_begins_with_its_destructor)
 {
-    auto* const interface = seen_as<shapes::Interface>(new_interface());
+    EXPECT_THAT(events_of([&] { destroy(seen_as<shapes::Interface>(new_interface())); }),
+                ElementsAre("memory: new object", "output: VarnelInterface constructor\n",
+                            "output: VarnelInterface destructor\n", "memory: delete object"));
+}
 
-    EXPECT_THAT(only({"output"}, events_of([&] { destroy(interface); })),
-                ElementsAre("output: VarnelInterface destructor\n"));
+/// Would replace the operations if they were virtual.
+class Replacement : public VarnelInterface
+{
+public:
+#define REPLACED(op)                                                                                         \
+    int op(const shapes::Json&, shapes::Json&)                                                               \
+    {                                                                                                        \
+        return -1;                                                                                           \
+    }
+    FOR_EVERY_OPERATION(REPLACED)
+#undef REPLACED
+};
+
+TEST_F(SlotOrder, has_no_place_for_the_operations_which_are_not_virtual)
+{
+    Replacement replacement;
+    VarnelInterface& interface = replacement;
+    interface.m_proxy = ProxyHandle(m_proxy);
+    const shapes::Json in = parse_json(R"({"params": {"type": "1"}})");
+    shapes::Json out;
+
+#define EXPECT_NOT_REPLACED(op) EXPECT_EQ(interface.op(in, out), 0) << #op;
+    FOR_EVERY_OPERATION(EXPECT_NOT_REPLACED)
+#undef EXPECT_NOT_REPLACED
+    m_proxy->forget_calls();
 }
 
 TEST_F(SlotOrder, leaves_the_proxy_right_behind_the_interface_s_table)
@@ -166,21 +195,21 @@ CALLS_THROUGH_ANOTHER_CLASS void wait_for(shapes::LayerHandler* handler, DDS::Qu
 }
 
 template <class Handler>
-Events events_of_own_slots(Handler* handler)
+Events events_of_own_slots()
 {
-    auto* const own = seen_as<shapes::OwnHandler>(handler);
     const Recording recording;
+    auto* const own = seen_as<shapes::OwnHandler>(new Handler);
     reply(own, 5);
     destroy(own);
     return recording.all();
 }
 
-template <class Base>
-Events events_of_layer_slots(Base* handler)
+template <class Handler, class Base>
+Events events_of_layer_slots()
 {
-    auto* const seen = seen_as<shapes::LayerHandler>(handler);
     DDS::QueryCondition condition;
     const Recording recording;
+    auto* const seen = seen_as<shapes::LayerHandler>(static_cast<Base*>(new Handler));
     wait_for(seen, &condition);
     reply(seen, 6);
     destroy(seen);
@@ -194,29 +223,20 @@ void expect_slots_of_handler(const std::string& name)
     SCOPED_TRACE(name);
     const std::string text = "output: " + facts_of(name).reply_text;
 
-    EXPECT_THAT(events_of_own_slots(new Handler), ElementsAre(text + "5\n", "mutex: destroyed"));
-    EXPECT_THAT(events_of_layer_slots<Base>(new Handler), ElementsAre(text + "6\n", "mutex: destroyed"));
+    EXPECT_THAT(events_of_own_slots<Handler>(), ElementsAre("memory: new object", "mutex: made", text + "5\n",
+                                                            "mutex: destroyed", "memory: delete object"));
+    EXPECT_THAT((events_of_layer_slots<Handler, Base>()),
+                ElementsAre("memory: new object", "mutex: made", text + "6\n", "mutex: destroyed",
+                            "memory: delete object"));
 }
 
 #define EXPECT_SLOTS(op)                                                                                     \
-    expect_slots_of_handler<MY_##op##_handler, DDS_RMI::VarnelRMI::VarnelRMIService_##op##_Reply_Handler>(#op)
+    expect_slots_of_handler<MY_##op##_handler, DDS_RMI::VarnelRMI::VarnelRMIService_##op##_Reply_Handler>(   \
+        #op);
 
 TEST_F(SlotOrder, of_a_reply_handler_is_hook_then_destructor_and_through_its_base_the_hook_comes_last)
 {
-    EXPECT_SLOTS(network_get_info);
-    EXPECT_SLOTS(network_get_node_list);
-    EXPECT_SLOTS(network_decommission);
-    EXPECT_SLOTS(network_commission);
-    EXPECT_SLOTS(network_add_nodes);
-    EXPECT_SLOTS(network_remove_nodes);
-    EXPECT_SLOTS(network_get_nodes_status);
-    EXPECT_SLOTS(advertising);
-    EXPECT_SLOTS(node_get_config);
-    EXPECT_SLOTS(node_set_config);
-    EXPECT_SLOTS(node_set_config_revert);
-    EXPECT_SLOTS(node_get_data);
-    EXPECT_SLOTS(test_node_create);
-    EXPECT_SLOTS(test_node_set_sensor_data);
+    FOR_EVERY_OPERATION(EXPECT_SLOTS)
 }
 
 } // namespace
