@@ -3,7 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include <regex>
+#include <string>
+#include <vector>
 
 #include "processes.h"
 #include "support/dds_domain.h"
@@ -33,20 +34,28 @@ const std::string lines_of_deletion = "VarnelRPCHandler destructor\n"
                                       "KX_DDS_RMI_PROXY destroy\n"
                                       "VarnelInterface destructor\n";
 
-/// `text` with <N> in place of every proxy instance number.
-std::string without_numbers(const std::string& text)
-{
-    return std::regex_replace(text, std::regex("(server proxy VarnelDE_Server )[0-9]+"), "$1<N>");
-}
+const std::string before_number = "server proxy VarnelDE_Server ";
 
-/// The numbers that `text` has there.
+/// The proxy instance numbers that `text` names.
 std::vector<std::string> numbers(const std::string& text)
 {
-    const std::regex number("server proxy VarnelDE_Server ([0-9]+)");
     std::vector<std::string> found;
-    for (std::sregex_iterator at(text.begin(), text.end(), number); at != std::sregex_iterator(); ++at)
-        found.push_back((*at)[1]);
+    for (std::size_t at = text.find(before_number); at != std::string::npos;
+         at = text.find(before_number, at + 1)) {
+        const std::size_t begin = at + before_number.size();
+        found.push_back(text.substr(begin, text.find_first_not_of("0123456789", begin) - begin));
+    }
     return found;
+}
+
+/// `text` with <N> in place of each of those numbers.
+std::string without_numbers(std::string text)
+{
+    for (const std::string& number : numbers(text)) {
+        const std::string named = before_number + number + "\n";
+        text.replace(text.find(named), named.size(), before_number + "<N>\n");
+    }
+    return text;
 }
 
 class LoadedLibrary : public testing::Test
