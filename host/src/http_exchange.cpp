@@ -41,8 +41,9 @@ Response make_response(std::string& body, unsigned int status)
 } // namespace
 
 HttpExchange::HttpExchange(MHD_Connection& connection, ConnectionRegistry::Connection& registered,
-                           const RequestGate& gate, const HttpServices& services)
-    : m_connection(connection), m_registered(registered), m_gate(gate), m_services(services)
+                           const RequestGate& gate, const HttpServices& services, IoThreads& threads)
+    : m_connection(connection), m_registered(registered), m_gate(gate), m_services(services),
+      m_threads(threads)
 {
 }
 
@@ -84,7 +85,7 @@ void HttpExchange::hand_over()
     if (!m_services.connections.enter(m_registered, ConnectionPhase::working))
         return refuse_busy("the server stops");
     MHD_suspend_connection(&m_connection); // first, because a worker may be done with it at once
-    if (m_services.workers.submit(*this))
+    if (m_threads.submit(*this))
         return; // it is the worker's now
     m_stage = Stage::busy;
     MHD_resume_connection(&m_connection);
@@ -92,17 +93,19 @@ void HttpExchange::hand_over()
 
 void HttpExchange::run()
 {
+    const auto begin = IoThreads::Clock::now();
     try {
         m_answer = m_services.dispatcher.answer(m_body);
     } catch (const std::exception& error) {
         m_answer = error_response({RpcErrorCode::internal_error, error.what()});
     }
     m_stage = Stage::worked;
+    m_threads.worked(IoThreads::Clock::now() - begin);
 }
 
 void HttpExchange::deliver()
 {
-    MHD_resume_connection(&m_connection);
+    m_threads.deliver([connection = &m_connection] { MHD_resume_connection(connection); });
 }
 
 void HttpExchange::report_health()

@@ -17,7 +17,7 @@ class HttpExchange : public Work
 {
 public:
     HttpExchange(MHD_Connection& connection, ConnectionRegistry::Connection& registered,
-                 const RequestGate& gate, const HttpServices& services);
+                 const RequestGate& gate, const HttpServices& services, IoThreads& threads);
 
     /// Decides on the request by its head. A refusal is answered at once; the connection is closed after it,
     /// so the body need not be read.
@@ -45,6 +45,7 @@ private:
     ConnectionRegistry::Connection& m_registered;
     const RequestGate& m_gate;
     const HttpServices& m_services;
+    IoThreads& m_threads;
     std::string m_body;
     Stage m_stage = Stage::receiving;
     std::optional<std::string> m_answer;

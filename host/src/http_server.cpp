@@ -3,6 +3,8 @@
 
 #include <microhttpd.h>
 
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -129,31 +131,52 @@ private:
         return connections.add(socket, address);
     }
 
-    static HttpExchange* make_exchange(const HttpServer& server, MHD_Connection* connection)
+    static HttpExchange* make_exchange(HttpServer& server, MHD_Connection* connection)
     {
-        return new HttpExchange(*connection, registered(connection), server.m_gate, server.m_services);
+        return new HttpExchange(*connection, registered(connection), server.m_gate, server.m_services,
+                                *server.m_threads);
     }
 };
 
 HttpServer::HttpServer(int listening_socket, RequestGate gate, const HttpServices& services)
     : m_gate(std::move(gate)), m_services(services),
       m_daemon(MHD_start_daemon(
-          MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, &HttpCallbacks::accept, this,
-          &HttpCallbacks::handle, this, MHD_OPTION_LISTEN_SOCKET, listening_socket,
-          MHD_OPTION_CONNECTION_MEMORY_LIMIT, connection_memory, MHD_OPTION_CONNECTION_LIMIT,
+          MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME, 0, &HttpCallbacks::accept, this, &HttpCallbacks::handle,
+          this, MHD_OPTION_LISTEN_SOCKET, listening_socket, MHD_OPTION_CONNECTION_MEMORY_LIMIT,
+          connection_memory, MHD_OPTION_CONNECTION_LIMIT,
           static_cast<unsigned int>(services.connections.limits().total) + connection_reserve,
           MHD_OPTION_STRICT_FOR_CLIENT, 1, MHD_OPTION_SIGPIPE_HANDLED_BY_APP, 1, MHD_OPTION_URI_LOG_CALLBACK,
           &HttpCallbacks::request_line_read, this, MHD_OPTION_NOTIFY_CONNECTION,
           &HttpCallbacks::connection_changed, this, MHD_OPTION_NOTIFY_COMPLETED, &HttpCallbacks::completed,
-          this, MHD_OPTION_END))
+          this, MHD_OPTION_END)),
+      m_wake_up(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
 {
     if (m_daemon == nullptr)
         throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
+    wake_by_event();
+    m_threads.emplace(
+        services.workers, [this] { MHD_run_wait(m_daemon.get(), -1); }, [this] { wake(); });
 }
 
 HttpServer::~HttpServer()
 {
+    m_threads.reset();
     quiesce(); // otherwise the daemon closes the socket, which is not its own
+}
+
+/// libmicrohttpd passes over events without a connection.
+void HttpServer::wake_by_event() const
+{
+    epoll_event event{};
+    event.events = EPOLLIN | EPOLLET;
+    const int epoll = MHD_get_daemon_info(m_daemon.get(), MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
+    if (epoll_ctl(epoll, EPOLL_CTL_ADD, m_wake_up.get(), &event) != 0)
+        throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
+}
+
+void HttpServer::wake() const
+{
+    eventfd_write(m_wake_up.get(), 1);
 }
 
 void HttpServer::quiesce()

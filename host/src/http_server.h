@@ -4,10 +4,13 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "connection_registry.h"
 #include "dispatcher.h"
+#include "file_descriptor.h"
 #include "health_report.h"
+#include "io_threads.h"
 #include "request_gate.h"
 #include "worker_pool.h"
 
@@ -24,8 +27,8 @@ struct HttpServices
     std::function<HealthReport()> health;
 };
 
-/// Serves HTTP on one listening socket, with one thread of its own for all its connections. Methods run on
-/// the workers; a connection sleeps meanwhile.
+/// Serves HTTP on one listening socket. Its I/O threads handle all its connections and run quick calls;
+/// others run on the workers; a connection sleeps meanwhile.
 class HttpServer
 {
 public:
@@ -42,6 +45,9 @@ public:
 
 private:
     friend struct HttpCallbacks;
+
+    void wake_by_event() const;
+    void wake() const;
     struct Stop
     {
         void operator()(MHD_Daemon* daemon) const noexcept;
@@ -50,6 +56,8 @@ private:
     const RequestGate m_gate;
     const HttpServices m_services;
     std::unique_ptr<MHD_Daemon, Stop> m_daemon;
+    const FileDescriptor m_wake_up;
+    std::optional<IoThreads> m_threads;
 };
 
 } // namespace zorbd

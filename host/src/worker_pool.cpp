@@ -38,15 +38,28 @@ void WorkerPool::stop()
 
 bool WorkerPool::submit(Work& work)
 {
+    if (!reserve())
+        return false;
+    submit_reserved(work);
+    return true;
+}
+
+bool WorkerPool::reserve()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_outstanding >= m_max_outstanding)
+        return false;
+    ++m_outstanding;
+    return true;
+}
+
+void WorkerPool::submit_reserved(Work& work)
+{
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_outstanding >= m_max_outstanding)
-            return false;
         m_waiting.push_back(&work);
-        ++m_outstanding;
     }
     m_changed.notify_one();
-    return true;
 }
 
 bool WorkerPool::wait_idle(std::chrono::steady_clock::time_point deadline)
@@ -59,7 +72,7 @@ void WorkerPool::serve()
 {
     while (Work* work = take()) {
         work->run();
-        finish();
+        release();
         work->deliver();
     }
 }
@@ -76,7 +89,7 @@ Work* WorkerPool::take()
     return work;
 }
 
-void WorkerPool::finish()
+void WorkerPool::release()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (--m_outstanding == 0)

@@ -40,6 +40,13 @@ public:
     /// thread may call it; it does not wait.
     bool submit(Work& work);
 
+    /// The two halves of submit(): counts work as outstanding if there is room for it, and hands over work
+    /// that counts.
+    bool reserve();
+    void submit_reserved(Work& work);
+    /// Ends what was reserved and has been run elsewhere.
+    void release();
+
     /// Waits until nothing is outstanding; false when the deadline passes first.
     bool wait_idle(std::chrono::steady_clock::time_point deadline);
 
@@ -48,7 +55,6 @@ private:
     void stop();
     void serve();
     Work* take();
-    void finish();
 
     const std::size_t m_max_outstanding;
     std::mutex m_mutex;
