@@ -40,14 +40,17 @@ public:
     {
         std::unique_lock lock(m_mutex);
         if (--m_missing == 0)
-            m_all_there.notify_all();
-        return m_all_there.wait_for(lock, test_support::event_deadline, [this] { return m_missing <= 0; });
+            m_changed.notify_all();
+        m_is_given_up |= !m_changed.wait_for(lock, test_support::event_deadline,
+                                             [this] { return m_missing <= 0 || m_is_given_up; });
+        return !m_is_given_up;
     }
 
 private:
     std::mutex m_mutex;
-    std::condition_variable m_all_there;
-    int m_missing; // guarded by m_mutex
+    std::condition_variable m_changed;
+    int m_missing;              // guarded by m_mutex
+    bool m_is_given_up = false; // guarded by m_mutex; nobody waits any more once somebody has waited too long
 };
 
 TEST_F(Concurrency, lets_every_operation_be_in_its_remote_call_at_the_same_time)
