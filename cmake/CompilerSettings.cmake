@@ -20,6 +20,9 @@ find_package(PkgConfig REQUIRED)
 set(SANITIZE "" CACHE STRING "Sanitizers for the whole build, e.g. address,undefined or thread")
 
 add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+if(CMAKE_SYSROOT) # which may lie in one of these
+    add_compile_options(-ffile-prefix-map=${CMAKE_SYSROOT}=)
+endif()
 # Without unique symbols a plug-in can really be unloaded.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)

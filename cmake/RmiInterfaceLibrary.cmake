@@ -18,9 +18,13 @@ function(ddsrmi_compile_topics target idl)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/generated)
     file(MAKE_DIRECTORY ${folder})
 
+    # The names of folders that idlc writes into its output would make it differ between builds.
     add_custom_command(
         OUTPUT ${folder}/${stem}.c ${folder}/${stem}.h
-        COMMAND ${IDLC} -l c -x final -I ${DDSRMI_IDL_FOLDER} -o ${folder} ${idl}
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${idl} ${folder}
+        COMMAND ${IDLC} -l c -x final -I ${DDSRMI_IDL_FOLDER} ${stem}.idl
+        COMMAND sed -i "s,${folder}/,," ${stem}.c ${stem}.h
+        WORKING_DIRECTORY ${folder}
         DEPENDS ${idl} ${DDSRMI_IDL_FOLDER}/dds_rmi.idl ${arg_DEPENDS}
         COMMENT "Compiling the topics of ${stem}.idl"
         VERBATIM)
