@@ -241,9 +241,11 @@ MUTATIONS = [
               "    (proxy.get()->*start)(arguments..., handler.get());\n"),
              ("    logCall(operation);\n"
               "    static pthread_mutex_t calls = PTHREAD_MUTEX_INITIALIZER;\n"
-              "    pthread_mutex_lock(&calls);\n"
-              "    (proxy.get()->*start)(arguments..., handler.get());\n"
-              "    pthread_mutex_unlock(&calls);\n")),
+              "    struct Lock {\n"
+              "        Lock() { pthread_mutex_lock(&calls); }\n"
+              "        ~Lock() { pthread_mutex_unlock(&calls); }\n"
+              "    } const lock;\n"
+              "    (proxy.get()->*start)(arguments..., handler.get());\n")),
     Mutation("proxy-reference-for-each-call", INTERFACE,
              'int logThenCall(const shared_ptr<Proxy>& proxy,',
              'int logThenCall(const shared_ptr<Proxy> proxy,'),

@@ -59,6 +59,7 @@ TEST_F(Concurrency, lets_every_operation_be_in_its_remote_call_at_the_same_time)
     rmi_layer().at["call"] = [&meeting] { EXPECT_TRUE(meeting.come()); };
 
     std::vector<std::thread> threads;
+    threads.reserve(all_operations().size());
     for (const OperationFacts& facts : all_operations())
         threads.emplace_back([&] { EXPECT_EQ(call_plainly(facts), 0); });
     for (std::thread& thread : threads)
@@ -74,6 +75,7 @@ TEST_F(Concurrency, gives_calls_of_one_operation_their_own_handlers_and_copies)
     const OperationFacts& facts = facts_of("node_set_config");
 
     std::vector<std::thread> threads;
+    threads.reserve(threads_count);
     for (int i = 0; i < threads_count; ++i)
         threads.emplace_back([&] {
             for (int call = 0; call < calls_of_each; ++call)

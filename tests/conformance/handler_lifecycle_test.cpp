@@ -23,7 +23,7 @@ protected:
     Events making_a_handler()
     {
         std::exception_ptr thrown;
-        const Events events = events_of([&] { thrown = caught([&] { m_handler = make_handler(); }); });
+        Events events = events_of([&] { thrown = caught([&] { m_handler = make_handler(); }); });
         m_thrown = description(thrown);
         return events;
     }

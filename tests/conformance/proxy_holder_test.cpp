@@ -31,7 +31,7 @@ protected:
     Events making_a_holder(const std::string& name = service)
     {
         std::exception_ptr thrown;
-        const Events events =
+        Events events =
             events_of([&] { thrown = caught([&] { m_holder = std::make_unique<Holder>(name); }); });
         m_thrown = description(thrown);
         return events;
