@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "processes.h"
 
+#include <csignal>
+
 #include <algorithm>
 #include <sstream>
 #include <stdexcept>
@@ -31,6 +33,16 @@ std::size_t Server::calls() const
 {
     const std::string output = m_process.output();
     return static_cast<std::size_t>(std::count(output.begin(), output.end(), '\n')) - 1;
+}
+
+void Server::pause()
+{
+    m_process.signal(SIGSTOP);
+}
+
+void Server::go_on()
+{
+    m_process.signal(SIGCONT);
 }
 
 void Server::end()

@@ -19,6 +19,9 @@ public:
     std::string next_call();
     /// How many have.
     std::size_t calls() const;
+    /// Lets it run no further, and then go on.
+    void pause();
+    void go_on();
     /// Ends it and waits for its end.
     void end();
 
