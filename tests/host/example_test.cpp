@@ -8,7 +8,8 @@ namespace {
 
 TEST(example, built_against_the_installed_framework_alone_is_served)
 {
-    const host_test::ZorbdProcess zorbd({"--plugin", GREETER});
+    host_test::ZorbdProcess zorbd({"--plugin", GREETER});
+    ASSERT_TRUE(zorbd.says("greeter_plugin.so is bound")) << zorbd.error_output();
 
     const auto response =
         host_test::ask(zorbd.port(), host_test::post(host_test::call("greet", R"({"name":"Ada"})")));

@@ -2,7 +2,9 @@
 #include "server/request_team.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <optional>
 #include <utility>
@@ -10,13 +12,6 @@
 #include "report.h"
 
 namespace org::opensplice::DDS_RMI {
-
-namespace {
-
-// Under a steady load there is always something new; then what has come is run.
-constexpr std::size_t most_rounds = 8;
-
-} // namespace
 
 // Shared by the threads, so that one which outlives the team object still has it.
 class RequestTeam::Crew
@@ -29,7 +24,11 @@ public:
 
     EventLoop& arrivals() { return m_arrivals; }
 
-    void arrived(Job job) { m_arrived.push_back(std::move(job)); }
+    void arrived(Job job)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_arrived.push_back(std::move(job));
+    }
 
     void work()
     {
@@ -42,12 +41,10 @@ public:
 
     void forget(const void* owner)
     {
-        std::deque<Job> dropped; // outlives the lock
+        Jobs dropped; // outlives the lock
         std::unique_lock lock(m_mutex);
-        const auto kept = std::stable_partition(m_jobs.begin(), m_jobs.end(),
-                                                [owner](const Job& job) { return job.owner != owner; });
-        std::move(kept, m_jobs.end(), std::back_inserter(dropped));
-        m_jobs.erase(kept, m_jobs.end());
+        for (Jobs* jobs : {&m_jobs, &m_held, &m_arrived})
+            move_if(*jobs, dropped, [owner](const Job& job) { return job.owner == owner; });
         m_finished.wait(lock, [&] { return !runs_elsewhere(owner); });
     }
 
@@ -62,6 +59,16 @@ public:
     }
 
 private:
+    using Jobs = std::deque<Job>;
+
+    template <class Predicate>
+    static void move_if(Jobs& from, Jobs& to, Predicate predicate)
+    {
+        const auto moved = std::stable_partition(from.begin(), from.end(), std::not_fn(predicate));
+        std::move(moved, from.end(), std::back_inserter(to));
+        from.erase(moved, from.end());
+    }
+
     std::optional<Job> next()
     {
         std::unique_lock lock(m_mutex);
@@ -91,35 +98,50 @@ private:
         return job;
     }
 
+    // A request that was sent earlier than one that is here has arrived too, but perhaps after its reader had
+    // been looked at. So what the last look has found is held until there has been one more.
     void wait_for_arrivals(std::unique_lock<std::mutex>& lock)
     {
         m_someone_waits_for_arrivals = true;
-        lock.unlock();
-        try {
-            take_arrivals_in();
-        } catch (...) {
-            report_current_exception("taking requests in");
+        if (m_held.empty()) {
+            unlocked(lock, [this] { m_arrivals.dispatch(std::chrono::nanoseconds::max()); });
+            m_held.swap(m_arrived);
         }
-        lock.lock();
+        if (!m_held.empty())
+            unlocked(lock, [this] { m_arrivals.dispatch_triggered(); });
         m_someone_waits_for_arrivals = false;
-        std::move(m_arrived.begin(), m_arrived.end(), std::back_inserter(m_jobs));
-        const std::size_t new_jobs = m_arrived.size();
-        m_arrived.clear();
+        const std::size_t new_jobs = release_held();
         // This thread takes the first job; each other one, and the waiting, is for somebody else.
         for (std::size_t i = 0; i < std::min(new_jobs, m_idle) || i == 0; ++i)
             m_work.notify_one();
     }
 
-    // A request that was sent earlier than one that is here has arrived too, but perhaps after its reader had
-    // been looked at; so it is looked again until there is nothing new.
-    void take_arrivals_in()
+    template <class TakeIn>
+    static void unlocked(std::unique_lock<std::mutex>& lock, TakeIn take_in)
     {
-        std::size_t rounds = 0;
-        if (m_arrivals.dispatch(std::chrono::nanoseconds::max()) > 0)
-            while (m_arrivals.dispatch_triggered() > 0 && ++rounds < most_rounds) {
-            }
-        std::stable_sort(m_arrived.begin(), m_arrived.end(),
+        lock.unlock();
+        try {
+            take_in();
+        } catch (...) {
+            report_current_exception("taking requests in");
+        }
+        lock.lock();
+    }
+
+    // Makes jobs of what was held and of what was sent before that; holds the rest. Gives how many there are.
+    std::size_t release_held()
+    {
+        dds_time_t last_held = std::numeric_limits<dds_time_t>::min();
+        for (const Job& job : m_held)
+            last_held = std::max(last_held, job.sent);
+        move_if(m_arrived, m_held, [last_held](const Job& job) { return job.sent < last_held; });
+        std::stable_sort(m_held.begin(), m_held.end(),
                          [](const Job& one, const Job& other) { return one.sent < other.sent; });
+        const std::size_t released = m_held.size();
+        std::move(m_held.begin(), m_held.end(), std::back_inserter(m_jobs));
+        m_held.swap(m_arrived);
+        m_arrived.clear();
+        return released;
     }
 
     static void run(const Job& job)
@@ -149,12 +171,13 @@ private:
 
     const std::shared_ptr<Entity> m_participant;
     EventLoop m_arrivals;
-    std::vector<Job> m_arrived; // belongs to the thread that waits for arrivals
 
     std::mutex m_mutex; // guards all below
     std::condition_variable m_work;
     std::condition_variable m_finished;
-    std::deque<Job> m_jobs;
+    Jobs m_jobs;    // to be run, in this order
+    Jobs m_held;    // await one more look
+    Jobs m_arrived; // found by the last look
     std::map<std::thread::id, const void*> m_running;
     std::size_t m_idle = 0;
     bool m_someone_waits_for_arrivals = false;

@@ -19,8 +19,8 @@ namespace org::opensplice::DDS_RMI {
 /// in, leaves the waiting to the next and goes on to run what has come, so that with a single thread a
 /// request is run where it was taken.
 ///
-/// What has arrived together is run in the order in which it was sent: a client's calls of different
-/// operations come on different topics, between which DDS keeps no order.
+/// What has arrived is run in the order in which it was sent, by the senders' clocks: a client's calls of
+/// different operations come on different topics, between which DDS keeps no order.
 class RequestTeam
 {
 public:
