@@ -30,7 +30,7 @@ PluginSet::PluginSet(const std::vector<std::string>& files, BindingPauses pauses
         m_plugins.push_back(std::make_unique<Plugin>(file, pauses));
     m_offers.resize(m_plugins.size());
     m_bound.resize(m_plugins.size());
-    m_table = make_table(m_offers, m_bound);
+    publish(make_table(m_offers, m_bound));
 }
 
 PluginSet::~PluginSet()
@@ -65,27 +65,28 @@ void PluginSet::release()
 
 MethodLookup PluginSet::find(const std::string& name) const
 {
-    const std::shared_ptr<const Table> now = table();
-    const auto found = now->methods.find(name);
-    if (found == now->methods.end())
-        return {nullptr, !now->all_bound};
+    const Table& now = table();
+    const auto found = now.methods.find(name);
+    if (found == now.methods.end())
+        return {nullptr, !now.all_bound};
     return {found->second.method, false};
 }
 
 std::shared_ptr<const std::string> PluginSet::discovery_document() const
 {
-    return table()->document;
+    return table().document;
 }
 
 std::vector<PluginStatus> PluginSet::status() const
 {
-    return table()->plugins;
+    return table().plugins;
 }
 
-std::shared_ptr<const PluginSet::Table> PluginSet::table() const
+/// The caller holds m_mutex, or is the constructor.
+void PluginSet::publish(std::unique_ptr<const Table> table)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_table;
+    m_tables.push_back(std::move(table));
+    m_table.store(m_tables.back().get(), std::memory_order_release);
 }
 
 void PluginSet::take_offer(std::size_t index, const zeb::api::KX_RPCHandler& handler)
@@ -96,13 +97,13 @@ void PluginSet::take_offer(std::size_t index, const zeb::api::KX_RPCHandler& han
     std::unique_lock<std::mutex> lock(m_mutex);
     m_offers[index] = offer;
     m_bound[index] = true;
-    m_table = make_table(m_offers, m_bound);
-    const std::shared_ptr<const Table> table = m_table;
+    publish(make_table(m_offers, m_bound));
+    const Table& published = table();
     const std::vector<Offer> offers = m_offers;
     lock.unlock();
 
     log_message("plug-in " + file + " is bound and offers " + std::to_string(offer.size()) + " methods");
-    log_conflicts(*table, offers, index);
+    log_conflicts(published, offers, index);
 }
 
 PluginSet::Offer PluginSet::make_offer(const std::string& file, const zeb::api::KX_RPCHandler& handler)
@@ -118,10 +119,10 @@ PluginSet::Offer PluginSet::make_offer(const std::string& file, const zeb::api::
     return offer;
 }
 
-std::shared_ptr<const PluginSet::Table> PluginSet::make_table(const std::vector<Offer>& offers,
+std::unique_ptr<const PluginSet::Table> PluginSet::make_table(const std::vector<Offer>& offers,
                                                               const std::vector<bool>& bound) const
 {
-    const auto made = std::make_shared<Table>();
+    auto made = std::make_unique<Table>();
     std::vector<std::string> descriptions;
     for (std::size_t i = 0; i < offers.size(); ++i) {
         PluginStatus status{m_plugins[i]->file(), bound[i], 0};

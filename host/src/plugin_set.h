@@ -2,6 +2,7 @@
 #ifndef ZORBD_PLUGIN_SET_H
 #define ZORBD_PLUGIN_SET_H
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -72,16 +73,20 @@ private:
 
     void take_offer(std::size_t index, const zeb::api::KX_RPCHandler& handler);
     static Offer make_offer(const std::string& file, const zeb::api::KX_RPCHandler& handler);
-    std::shared_ptr<const Table> table() const;
-    std::shared_ptr<const Table> make_table(const std::vector<Offer>& offers,
+    const Table& table() const { return *m_table.load(std::memory_order_acquire); }
+    void publish(std::unique_ptr<const Table> table);
+    std::unique_ptr<const Table> make_table(const std::vector<Offer>& offers,
                                             const std::vector<bool>& bound) const;
     void log_conflicts(const Table& table, const std::vector<Offer>& offers, std::size_t newcomer) const;
 
     std::vector<std::unique_ptr<Plugin>> m_plugins; ///< the same from construction to destruction
-    mutable std::mutex m_mutex;
-    std::vector<Offer> m_offers;          ///< one for each plug-in; guarded by m_mutex
-    std::vector<bool> m_bound;            ///< one for each plug-in; guarded by m_mutex
-    std::shared_ptr<const Table> m_table; ///< guarded by m_mutex
+    std::mutex m_mutex;
+    std::vector<Offer> m_offers; ///< one for each plug-in; guarded by m_mutex
+    std::vector<bool> m_bound;   ///< one for each plug-in; guarded by m_mutex
+    /// All that were ever published, one more than there are plug-ins at most. They are kept so that a call
+    /// can look its method up without a lock. Guarded by m_mutex.
+    std::vector<std::unique_ptr<const Table>> m_tables;
+    std::atomic<const Table*> m_table{nullptr}; ///< the last of them
 };
 
 } // namespace zorbd
