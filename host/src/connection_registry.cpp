@@ -41,15 +41,20 @@ void cut(int socket, ConnectionPhase phase)
 
 } // namespace
 
-/// Every field but the constant ones is guarded by the registry's mutex.
+/// A call changes the phase four times, so that takes no lock.
 struct ConnectionRegistry::Connection
 {
+    Connection(int fd, std::string peer, Clock::time_point first_deadline)
+        : socket(fd), address(std::move(peer)), deadline(first_deadline)
+    {
+    }
+
     const int socket;
     const std::string address;
-    ConnectionPhase phase;
-    Clock::time_point deadline;
-    bool is_cut;
-    std::list<Connection>::iterator self;
+    std::atomic<ConnectionPhase> phase{ConnectionPhase::idle};
+    std::atomic<Clock::time_point> deadline;
+    bool is_cut = false;                  ///< guarded by the registry's mutex
+    std::list<Connection>::iterator self; ///< guarded by the registry's mutex
 };
 
 ConnectionRegistry::ConnectionRegistry(ConnectionLimits limits)
@@ -81,12 +86,9 @@ ConnectionRegistry::Connection& ConnectionRegistry::add(int socket, const sockad
 {
     const std::string key = address_key(address);
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_connections.push_front(
-        {socket, key, ConnectionPhase::idle, deadline_of(ConnectionPhase::idle), false, m_connections.end()});
-    Connection& added = m_connections.front();
+    Connection& added = m_connections.emplace_front(socket, key, deadline_of(ConnectionPhase::idle));
     added.self = m_connections.begin();
     ++m_per_address[key];
-    ++m_in_phase[static_cast<int>(ConnectionPhase::idle)];
     if (m_connections.size() == 1)
         m_watch_changed.notify_all();
     return added;
@@ -95,7 +97,6 @@ ConnectionRegistry::Connection& ConnectionRegistry::add(int socket, const sockad
 void ConnectionRegistry::remove(Connection& connection)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    --m_in_phase[static_cast<int>(connection.phase)];
     const auto counted = m_per_address.find(connection.address);
     if (--counted->second == 0)
         m_per_address.erase(counted);
@@ -105,29 +106,38 @@ void ConnectionRegistry::remove(Connection& connection)
 
 bool ConnectionRegistry::enter(Connection& connection, ConnectionPhase phase)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (phase == ConnectionPhase::working && m_closed)
-        return false;
-    --m_in_phase[static_cast<int>(connection.phase)];
-    ++m_in_phase[static_cast<int>(phase)];
-    connection.phase = phase;
     connection.deadline = deadline_of(phase);
-    if (m_closed)
-        m_phase_left.notify_all();
-    return true;
+    const ConnectionPhase before = connection.phase.exchange(phase);
+    return !m_closed || enter_after_close(connection, before, phase);
+}
+
+/// Whoever enters either sees here that the registry is closed, or did so early enough for wait_none() to see
+/// it.
+bool ConnectionRegistry::enter_after_close(Connection& connection, ConnectionPhase before,
+                                           ConnectionPhase phase)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const bool is_refused = phase == ConnectionPhase::working;
+    if (is_refused) {
+        connection.phase = before;
+        connection.deadline = deadline_of(before);
+    }
+    m_phase_left.notify_all();
+    return !is_refused;
 }
 
 void ConnectionRegistry::close()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
     m_closed = true;
 }
 
 bool ConnectionRegistry::wait_none(ConnectionPhase phase, Clock::time_point deadline)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    const std::size_t& count = m_in_phase[static_cast<int>(phase)];
-    return m_phase_left.wait_until(lock, deadline, [&count] { return count == 0; });
+    return m_phase_left.wait_until(lock, deadline, [this, phase] {
+        return std::none_of(m_connections.begin(), m_connections.end(),
+                            [phase](const Connection& connection) { return connection.phase == phase; });
+    });
 }
 
 ConnectionRegistry::Clock::time_point ConnectionRegistry::deadline_of(ConnectionPhase phase) const
@@ -162,11 +172,12 @@ ConnectionRegistry::Clock::time_point ConnectionRegistry::cut_overdue()
     for (Connection& connection : m_connections) {
         if (connection.is_cut)
             continue;
-        if (connection.deadline <= now) {
+        const Clock::time_point deadline = connection.deadline;
+        if (deadline <= now) {
             cut(connection.socket, connection.phase);
             connection.is_cut = true;
         } else {
-            next = std::min(next, connection.deadline);
+            next = std::min(next, deadline);
         }
     }
     return next;

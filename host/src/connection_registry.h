@@ -4,6 +4,7 @@
 
 #include <sys/socket.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -54,8 +55,8 @@ public:
     Connection& add(int socket, const sockaddr* address);
     void remove(Connection& connection);
 
-    /// Passes to another phase. False when that is `working` and no further calls are taken; the phase then
-    /// stays.
+    /// Passes to another phase; to be called by one thread at a time for a connection. False when that is
+    /// `working` and no further calls are taken; the phase then stays.
     bool enter(Connection& connection, ConnectionPhase phase);
 
     /// Takes no further calls.
@@ -67,6 +68,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     Clock::time_point deadline_of(ConnectionPhase phase) const;
+    bool enter_after_close(Connection& connection, ConnectionPhase before, ConnectionPhase phase);
     void watch();
     Clock::time_point cut_overdue();
 
@@ -76,9 +78,8 @@ private:
     std::condition_variable m_phase_left;
     std::list<Connection> m_connections;                        ///< guarded by m_mutex
     std::unordered_map<std::string, std::size_t> m_per_address; ///< guarded by m_mutex
-    std::size_t m_in_phase[4] = {};                             ///< guarded by m_mutex
-    bool m_closed = false;                                      ///< guarded by m_mutex
-    bool m_stopping = false;                                    ///< guarded by m_mutex
+    std::atomic<bool> m_closed{false};
+    bool m_stopping = false; ///< guarded by m_mutex
     std::thread m_watcher;
 };
 

@@ -46,10 +46,11 @@ bool WorkerPool::submit(Work& work)
 
 bool WorkerPool::reserve()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_outstanding >= m_max_outstanding)
-        return false;
-    ++m_outstanding;
+    std::size_t outstanding = m_outstanding;
+    do {
+        if (outstanding >= m_max_outstanding)
+            return false;
+    } while (!m_outstanding.compare_exchange_weak(outstanding, outstanding + 1));
     return true;
 }
 
@@ -91,9 +92,10 @@ Work* WorkerPool::take()
 
 void WorkerPool::release()
 {
+    if (m_outstanding.fetch_sub(1) != 1)
+        return;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (--m_outstanding == 0)
-        m_idle.notify_all();
+    m_idle.notify_all();
 }
 
 } // namespace zorbd

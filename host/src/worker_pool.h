@@ -2,6 +2,7 @@
 #ifndef ZORBD_WORKER_POOL_H
 #define ZORBD_WORKER_POOL_H
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -57,12 +58,12 @@ private:
     Work* take();
 
     const std::size_t m_max_outstanding;
+    std::atomic<std::size_t> m_outstanding{0}; ///< waiting and running, also elsewhere
     std::mutex m_mutex;
     std::condition_variable m_changed; ///< work came, or m_stopping
     std::condition_variable m_idle;
-    std::deque<Work*> m_waiting;   ///< guarded by m_mutex
-    std::size_t m_outstanding = 0; ///< waiting and running; guarded by m_mutex
-    bool m_stopping = false;       ///< guarded by m_mutex
+    std::deque<Work*> m_waiting; ///< guarded by m_mutex
+    bool m_stopping = false;     ///< guarded by m_mutex
     std::vector<std::thread> m_threads;
 };
 
