@@ -2,6 +2,7 @@
 #include "daemon.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 #include "health_report.h"
@@ -16,6 +17,14 @@ std::vector<std::string> own_origins(const TcpAddress& address)
     if (is_loopback(address))
         origins.push_back("http://localhost:" + std::to_string(address.port));
     return origins;
+}
+
+/// More than one, so that a second processor does not idle when all calls are quick: those run on a server's
+/// own thread.
+unsigned servers_per_listener()
+{
+    constexpr unsigned most = 4;
+    return std::clamp(std::thread::hardware_concurrency(), 1U, most);
 }
 
 std::optional<BearerToken> read_token(const std::optional<std::string>& file)
@@ -47,7 +56,8 @@ void Daemon::serve(int socket, AccessRules rules)
 {
     const HttpServices services{m_dispatcher, m_workers, m_connections,
                                 [this] { return report_health(m_plugins); }};
-    m_servers.push_back(std::make_unique<HttpServer>(socket, RequestGate(std::move(rules)), services));
+    for (unsigned i = 0; i < servers_per_listener(); ++i)
+        m_servers.push_back(std::make_unique<HttpServer>(socket, RequestGate(rules), services));
 }
 
 std::string Daemon::where() const
@@ -70,7 +80,8 @@ void Daemon::refuse_calls()
 
 bool Daemon::finish(std::chrono::steady_clock::time_point deadline)
 {
-    if (!m_connections.wait_none(ConnectionPhase::working, deadline) ||
+    // A call outlives its connection when the client leaves.
+    if (!m_connections.wait_none(ConnectionPhase::working, deadline) || !m_workers.wait_idle(deadline) ||
         !m_plugins.wait_binding_over(deadline))
         return false;
     m_connections.wait_none(ConnectionPhase::sending, deadline); // a client that does not read is simply cut

@@ -38,6 +38,11 @@ Response make_response(std::string& body, unsigned int status)
     return response;
 }
 
+void resume(IoThreads& threads, MHD_Connection& connection)
+{
+    threads.awaken([&connection] { MHD_resume_connection(&connection); });
+}
+
 } // namespace
 
 HttpExchange::HttpExchange(MHD_Connection& connection, ConnectionRegistry::Connection& registered,
@@ -68,27 +73,37 @@ void HttpExchange::proceed()
 {
     switch (m_stage) {
     case Stage::receiving:
-        return hand_over();
+        return submit();
+    case Stage::submitted:
+        return await_answer();
     case Stage::health_asked:
         return report_health();
     case Stage::too_large:
         return refuse(m_gate.body_too_large());
-    case Stage::busy:
-        return refuse_busy("too many calls are outstanding");
-    case Stage::worked:
-        return respond_with_answer();
     }
 }
 
-void HttpExchange::hand_over()
+void HttpExchange::submit()
 {
     if (!m_services.connections.enter(m_registered, ConnectionPhase::working))
         return refuse_busy("the server stops");
-    MHD_suspend_connection(&m_connection); // first, because a worker may be done with it at once
+    m_stage = Stage::submitted;
+    m_progress = Progress::running;
     if (m_threads.submit(*this))
-        return; // it is the worker's now
-    m_stage = Stage::busy;
-    MHD_resume_connection(&m_connection);
+        return; // a quick call is done before the library asks again
+    m_progress = Progress::done;
+    refuse_busy("too many calls are outstanding");
+}
+
+void HttpExchange::await_answer()
+{
+    if (m_progress == Progress::done)
+        return respond_with_answer();
+    MHD_suspend_connection(&m_connection);
+    m_threads.sleeps();
+    Progress running = Progress::running;
+    if (!m_progress.compare_exchange_strong(running, Progress::waited_for))
+        resume(m_threads, m_connection); // it was done just now
 }
 
 void HttpExchange::run()
@@ -99,13 +114,29 @@ void HttpExchange::run()
     } catch (const std::exception& error) {
         m_answer = error_response({RpcErrorCode::internal_error, error.what()});
     }
-    m_stage = Stage::worked;
     m_threads.worked(IoThreads::Clock::now() - begin);
 }
 
 void HttpExchange::deliver()
 {
-    m_threads.deliver([connection = &m_connection] { MHD_resume_connection(connection); });
+    IoThreads& threads = m_threads;
+    MHD_Connection& connection = m_connection;
+    switch (m_progress.exchange(Progress::done)) {
+    case Progress::waited_for:
+        return resume(threads, connection);
+    case Progress::abandoned:
+        std::unique_ptr<HttpExchange>(this).reset();
+        return;
+    default:
+        return; // the I/O thread may have destroyed it by now
+    }
+}
+
+void HttpExchange::release(std::unique_ptr<HttpExchange> exchange)
+{
+    Progress running = Progress::running;
+    if (exchange != nullptr && exchange->m_progress.compare_exchange_strong(running, Progress::abandoned))
+        static_cast<void>(exchange.release()); // deliver() destroys it
 }
 
 void HttpExchange::report_health()

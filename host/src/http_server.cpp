@@ -3,11 +3,13 @@
 
 #include <microhttpd.h>
 
-#include <sys/epoll.h>
+#include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <memory>
 #include <new>
 #include <system_error>
@@ -22,6 +24,8 @@ namespace {
 constexpr std::size_t connection_memory = 8192;
 /// Above our own limit, which is the one that is told of and enforced.
 constexpr unsigned int connection_reserve = 16;
+/// How long to wait in the library alone, where nothing but a client can end the wait.
+constexpr int busy_wait_ms = 10;
 
 std::optional<std::string_view> header(MHD_Connection* connection, const char* name)
 {
@@ -95,6 +99,7 @@ struct HttpCallbacks
                              const char* /*version*/, const char* data, std::size_t* size, void** context)
     {
         return guarded([&] {
+            server(closure).m_is_busy = true;
             auto* exchange = static_cast<HttpExchange*>(*context);
             if (exchange == nullptr) {
                 *context = exchange = make_exchange(server(closure), connection);
@@ -110,8 +115,8 @@ struct HttpCallbacks
     static void completed(void* closure, MHD_Connection* connection, void** context,
                           MHD_RequestTerminationCode /*how*/)
     {
-        const std::unique_ptr<HttpExchange> exchange(
-            static_cast<HttpExchange*>(std::exchange(*context, nullptr)));
+        HttpExchange::release(
+            std::unique_ptr<HttpExchange>(static_cast<HttpExchange*>(std::exchange(*context, nullptr))));
         guarded([&] { enter(closure, connection, ConnectionPhase::idle); });
     }
 
@@ -153,9 +158,10 @@ HttpServer::HttpServer(int listening_socket, RequestGate gate, const HttpService
 {
     if (m_daemon == nullptr)
         throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
-    wake_by_event();
+    if (m_wake_up.get() < 0)
+        throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
     m_threads.emplace(
-        services.workers, [this] { MHD_run_wait(m_daemon.get(), -1); }, [this] { wake(); });
+        services.workers, [this](bool may_be_woken) { handle_events(may_be_woken); }, [this] { wake(); });
 }
 
 HttpServer::~HttpServer()
@@ -164,14 +170,30 @@ HttpServer::~HttpServer()
     quiesce(); // otherwise the daemon closes the socket, which is not its own
 }
 
-/// libmicrohttpd passes over events without a connection.
-void HttpServer::wake_by_event() const
+/// To wait in the library takes one system call a round instead of two, but only for a client. That is good
+/// enough for a short time, which under load is hardly ever used up.
+void HttpServer::handle_events(bool may_be_woken)
 {
-    epoll_event event{};
-    event.events = EPOLLIN | EPOLLET;
-    const int epoll = MHD_get_daemon_info(m_daemon.get(), MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
-    if (epoll_ctl(epoll, EPOLL_CTL_ADD, m_wake_up.get(), &event) != 0)
-        throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
+    if (std::exchange(m_is_busy, false) && !may_be_woken) {
+        MHD_run_wait(m_daemon.get(), busy_wait_ms);
+    } else {
+        await_events();
+        MHD_run(m_daemon.get());
+    }
+}
+
+/// Waits for clients and for wake().
+void HttpServer::await_events() const
+{
+    const int clients = MHD_get_daemon_info(m_daemon.get(), MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
+    pollfd awaited[] = {{clients, POLLIN, 0}, {m_wake_up.get(), POLLIN, 0}};
+    MHD_UNSIGNED_LONG_LONG limit = 0;
+    const bool is_limited = MHD_get_timeout(m_daemon.get(), &limit) == MHD_YES;
+    poll(awaited, std::size(awaited),
+         is_limited ? static_cast<int>(std::min<MHD_UNSIGNED_LONG_LONG>(limit, INT_MAX)) : -1);
+    eventfd_t woken = 0;
+    if (awaited[1].revents != 0)
+        eventfd_read(m_wake_up.get(), &woken);
 }
 
 void HttpServer::wake() const

@@ -46,7 +46,8 @@ public:
 private:
     friend struct HttpCallbacks;
 
-    void wake_by_event() const;
+    void handle_events(bool may_be_woken);
+    void await_events() const;
     void wake() const;
     struct Stop
     {
@@ -56,7 +57,8 @@ private:
     const RequestGate m_gate;
     const HttpServices m_services;
     std::unique_ptr<MHD_Daemon, Stop> m_daemon;
-    const FileDescriptor m_wake_up;
+    const FileDescriptor m_wake_up; ///< an eventfd
+    bool m_is_busy = false;         ///< the last round had something to do; the leading I/O thread's own
     std::optional<IoThreads> m_threads;
 };
 

@@ -11,7 +11,7 @@ constexpr int looks_before_sleep = 50;
 
 } // namespace
 
-IoThreads::IoThreads(WorkerPool& workers, std::function<void()> handle_events, std::function<void()> wake)
+IoThreads::IoThreads(WorkerPool& workers, HandleEvents handle_events, std::function<void()> wake)
     : m_workers(workers), m_handle_events(std::move(handle_events)), m_wake(std::move(wake))
 {
     try {
@@ -43,19 +43,13 @@ void IoThreads::stop()
 
 bool IoThreads::submit(Work& work)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_calls_are_quick || !m_is_watched)
+    if (!m_calls_are_quick)
         return m_workers.submit(work);
-    if (!m_workers.reserve())
-        return false;
-    m_ready.push_back(&work);
-    return true;
-}
-
-void IoThreads::worked(Clock::duration took)
-{
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_calls_are_quick = took < quick;
+    m_collected.push_back(&work);
+    if (m_workers.reserve())
+        return true;
+    m_collected.pop_back();
+    return false;
 }
 
 void IoThreads::serve()
@@ -64,7 +58,7 @@ void IoThreads::serve()
     while (!m_stopping) {
         if (m_leader == std::thread::id())
             m_leader = std::this_thread::get_id();
-        if (m_leader == std::this_thread::get_id())
+        if (leads())
             lead(lock);
         else
             watch(lock);
@@ -74,16 +68,20 @@ void IoThreads::serve()
 void IoThreads::lead(std::unique_lock<std::mutex>& lock)
 {
     lock.unlock();
-    m_handle_events();
+    m_handle_events(m_asleep != 0);
     lock.lock();
-    while (m_leader == std::this_thread::get_id() && !m_ready.empty())
-        run_first(lock);
+    m_ready.swap(m_collected);
+    if (!m_is_watched)
+        return hand_to_workers();
+    while (leads() && m_next < m_ready.size())
+        run_next(lock);
+    if (leads())
+        forget_ready();
 }
 
-void IoThreads::run_first(std::unique_lock<std::mutex>& lock)
+void IoThreads::run_next(std::unique_lock<std::mutex>& lock)
 {
-    Work* work = m_ready.front();
-    m_ready.pop_front();
+    Work* work = m_ready[m_next++];
     m_in_call = true;
     ++m_calls_begun;
     if (std::exchange(m_watch_sleeps, false))
@@ -93,7 +91,7 @@ void IoThreads::run_first(std::unique_lock<std::mutex>& lock)
     m_workers.release();
     work->deliver();
     lock.lock();
-    if (m_leader == std::this_thread::get_id())
+    if (leads())
         m_in_call = false;
 }
 
@@ -123,10 +121,22 @@ void IoThreads::take_lead()
     m_is_watched = false;
     m_in_call = false;
     m_calls_are_quick = false;
-    while (!m_ready.empty()) {
-        m_workers.submit_reserved(*m_ready.front());
-        m_ready.pop_front();
-    }
+    hand_to_workers();
+}
+
+/// What is left of m_ready. The caller holds m_mutex.
+void IoThreads::hand_to_workers()
+{
+    while (m_next < m_ready.size())
+        m_workers.submit_reserved(*m_ready[m_next++]);
+    forget_ready();
+}
+
+/// The caller holds m_mutex.
+void IoThreads::forget_ready()
+{
+    m_ready.clear();
+    m_next = 0;
 }
 
 } // namespace zorbd

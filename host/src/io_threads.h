@@ -2,18 +2,20 @@
 #ifndef ZORBD_IO_THREADS_H
 #define ZORBD_IO_THREADS_H
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <deque>
+#include <cstddef>
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include "worker_pool.h"
 
 namespace zorbd {
 
-/// Two threads of a listener, of which one at a time leads: it handles the listener's events, and between two
+/// Two threads of a server, of which one at a time leads: it handles the server's events, and between two
 /// rounds of events it runs the calls that came in by itself, as long as calls have been quick, because to
 /// wake another thread costs more than a quick call. The other one watches. When a call takes long, it takes
 /// the lead, and calls go to the workers until they are quick again; so a slow call holds up nobody for
@@ -28,49 +30,63 @@ public:
     /// How often the watching thread looks.
     static constexpr std::chrono::milliseconds patience{2};
 
-    /// Starts the threads. `handle_events` waits for events and handles them; `wake` makes it return, at once
-    /// or the next time. Throws std::system_error.
-    IoThreads(WorkerPool& workers, std::function<void()> handle_events, std::function<void()> wake);
+    /// Waits for events and handles them; may call submit() and sleeps(). When told that it may be woken, it
+    /// must return at once after that, otherwise a few milliseconds later will do.
+    using HandleEvents = std::function<void(bool may_be_woken)>;
+
+    /// Starts the threads. `wake` makes the event handler return, now or the next time. Throws
+    /// std::system_error.
+    IoThreads(WorkerPool& workers, HandleEvents handle_events, std::function<void()> wake);
     /// Ends the threads. No call may be running or waiting.
     ~IoThreads();
     IoThreads(const IoThreads&) = delete;
     IoThreads& operator=(const IoThreads&) = delete;
 
-    /// Takes work over from the event handler, to be done here or by a worker. False when too much is
-    /// outstanding.
+    /// Takes work over from the event handler, to be done here after this round or by a worker at once. False
+    /// when too much is outstanding.
     bool submit(Work& work);
 
-    /// Runs what tells the event handler that work from here is done, and wakes it if it may sleep.
+    /// To be called by the event handler when it no longer asks for work that was submitted, but waits for
+    /// awaken().
+    void sleeps() { ++m_asleep; }
+
+    /// Runs what tells the event handler that such work is done, and wakes it. Any thread.
     template <class Tell>
-    void deliver(const Tell& tell)
+    void awaken(const Tell& tell)
     {
         const std::lock_guard<std::mutex> lock(m_mutex); // what it tells may let all this end
         tell();
-        if (m_leader != std::this_thread::get_id())
-            m_wake();
+        --m_asleep;
+        m_wake();
     }
 
-    /// Tells how long a worker has taken for work that came from here. Any thread.
-    void worked(Clock::duration took);
+    /// Tells how long work that came from here has taken. Any thread.
+    void worked(Clock::duration took) { m_calls_are_quick = took < quick; }
 
 private:
     void serve();
     void lead(std::unique_lock<std::mutex>& lock);
-    void run_first(std::unique_lock<std::mutex>& lock);
+    void run_next(std::unique_lock<std::mutex>& lock);
     void watch(std::unique_lock<std::mutex>& lock);
     void take_lead();
+    void hand_to_workers();
+    void forget_ready();
+    bool leads() const { return m_leader == std::this_thread::get_id(); }
     void stop();
 
     WorkerPool& m_workers;
-    const std::function<void()> m_handle_events;
+    const HandleEvents m_handle_events;
     const std::function<void()> m_wake;
+    std::vector<Work*> m_collected; ///< in this round; the leader's own
+    std::atomic<std::size_t> m_asleep{0};
+    std::atomic<bool> m_calls_are_quick{true};
     std::mutex m_mutex; ///< taken before that of the workers
     std::condition_variable m_changed;
-    std::deque<Work*> m_ready;       ///< for the leader to do; guarded by m_mutex
+    std::vector<Work*> m_ready;      ///< for the leader to do, in the last round; guarded by m_mutex
+    std::size_t m_next = 0;          ///< of them; guarded by m_mutex
     std::thread::id m_leader;        ///< guarded by m_mutex
     bool m_is_watched = false;       ///< the other thread watches, or is about to wake; guarded by m_mutex
     bool m_watch_sleeps = false;     ///< guarded by m_mutex
-    bool m_calls_are_quick = true;   ///< guarded by m_mutex
     bool m_in_call = false;          ///< of the leader; guarded by m_mutex
     unsigned long m_calls_begun = 0; ///< guarded by m_mutex
     bool m_stopping = false;         ///< guarded by m_mutex

@@ -122,7 +122,8 @@ void add_listeners(CLI::App& app, Options& options)
 void add_limits(CLI::App& app, Options& options)
 {
     using Size = std::size_t;
-    add_number<Size>(app, "--threads", options.threads, 1, 256, "Threads that run methods");
+    add_number<Size>(app, "--threads", options.threads, 1, 256,
+                     "Threads for calls that take long; quick ones run where they are read");
     add_number<Size>(app, "--max-outstanding", options.max_outstanding, 1, 100000,
                      "Requests that wait or run; a further one is told that the server is busy");
     add_number<Size>(app, "--max-body", options.max_body, 64, 1U << 30U, "Bytes in the body of a request");

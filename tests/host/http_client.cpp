@@ -76,6 +76,13 @@ HttpConnection::HttpConnection(std::uint16_t port) : m_socket(connect_to(port)) 
 
 HttpConnection::HttpConnection(const std::string& path) : m_socket(connect_to(path)) {}
 
+void HttpConnection::reset()
+{
+    const linger discard{1, 0};
+    setsockopt(m_socket.get(), SOL_SOCKET, SO_LINGER, &discard, sizeof discard);
+    m_socket.reset();
+}
+
 void HttpConnection::send(const std::string& bytes) const
 {
     std::size_t sent = 0;

@@ -32,6 +32,8 @@ public:
     void wait_closed();
     /// Waits for the same without taking anything in.
     void wait_cut_unread() const;
+    /// Breaks the connection off, without the usual goodbye.
+    void reset();
     /// Whether nothing comes, not even the end, for that long.
     bool is_quiet(std::chrono::milliseconds duration) const;
 

@@ -2,6 +2,7 @@
 // What a client sees of a running zorbd: who is let in, and in which form.
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -21,6 +22,7 @@ using host_test::JsonEq;
 using host_test::post;
 using host_test::ZorbdProcess;
 using testing::HasSubstr;
+using namespace std::chrono_literals;
 
 constexpr const char* json_type = "Content-Type: application/json\r\n";
 
@@ -245,6 +247,26 @@ TEST(http, survives_clients_that_leave_at_any_point)
         HttpConnection(zorbd.port()).send(request.substr(0, length));
 
     EXPECT_EQ(ask(zorbd.port(), post(call("seven"))).status, 200);
+}
+
+TEST(http, survives_clients_that_break_off_while_their_slow_call_begins)
+{
+    ZorbdProcess zorbd;
+    const std::string slow = post(call("linger", R"({"ms":20})"));
+
+    for (std::chrono::microseconds patience{0}; patience < 2ms; patience += 100us) {
+        ask(zorbd.port(), post(call("seven"))); // a quick call, so that the next one begins on an I/O thread
+        HttpConnection client(zorbd.port());
+        client.send(slow);
+        const auto begin = std::chrono::steady_clock::now();
+        while (std::chrono::steady_clock::now() - begin < patience)
+            std::this_thread::yield();
+        client.reset();
+    }
+
+    EXPECT_EQ(ask(zorbd.port(), post(call("seven"))).status, 200);
+    zorbd.signal(SIGTERM);
+    EXPECT_EQ(zorbd.wait_for_exit(), 0);
 }
 
 } // namespace

@@ -278,6 +278,26 @@ TEST(limits, a_slow_call_holds_nobody_else_up)
     EXPECT_EQ(slow.receive().status, 200);
 }
 
+TEST(limits, a_slow_call_holds_no_connection_up_that_was_there_before)
+{
+    Fifo fifo;
+    ZorbdProcess zorbd({"--threads", "2"});
+    std::vector<HttpConnection> others; // so many that some share their I/O threads with the slow one
+    for (int i = 0; i < 24; ++i)
+        others.emplace_back(zorbd.port());
+    HttpConnection slow(zorbd.port());
+    slow.send(hold(fifo));
+    ASSERT_TRUE(zorbd.wait_for_line("holding"));
+
+    for (HttpConnection& other : others) {
+        other.send(post(call("seven")));
+        EXPECT_EQ(other.receive().status, 200);
+    }
+
+    fifo.release();
+    EXPECT_EQ(slow.receive().status, 200);
+}
+
 TEST(limits, several_slow_calls_at_once_hold_nobody_else_up)
 {
     Fifo fifo;

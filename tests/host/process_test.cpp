@@ -273,9 +273,9 @@ TEST(plugins, are_all_reported_by_the_health_page)
     const auto healthy = ask(zorbd.port(), get("/healthz"));
 
     EXPECT_EQ(waiting.status, 503);
-    EXPECT_THAT(waiting.body, JsonEq(report("waiting", false, 5)));
+    EXPECT_THAT(waiting.body, JsonEq(report("waiting", false, 6)));
     EXPECT_EQ(healthy.status, 200);
-    EXPECT_THAT(healthy.body, JsonEq(report("ok", true, 4)));
+    EXPECT_THAT(healthy.body, JsonEq(report("ok", true, 5)));
 }
 
 TEST(plugins, are_described_by_rpc_discover)
@@ -291,7 +291,8 @@ TEST(plugins, are_described_by_rpc_discover)
         response.body,
         JsonEq(R"({"jsonrpc":"2.0","id":1,"result":{"openrpc":"1.2.6","info":{"title":"zorbd","version":")" +
                std::string(PROGRAM_VERSION) + R"("},"methods":[)" + method("seven") + ',' + method("echo") +
-               ',' + method("fill") + ',' + method("refuse") + ',' + method("hold") + "]}}"));
+               ',' + method("fill") + ',' + method("refuse") + ',' + method("linger") + ',' + method("hold") +
+               "]}}"));
 }
 
 TEST(plugins, write_their_lines_to_standard_output_as_they_are_and_zorbd_its_own_to_standard_error)
@@ -336,6 +337,23 @@ TEST(stop, lets_a_running_call_end_and_answers_it_before_its_plugin_goes)
     fifo.release();
 
     EXPECT_THAT(connection.receive().body, HasSubstr(R"("result":1)"));
+    EXPECT_EQ(zorbd.wait_for_exit(), 0);
+    EXPECT_THAT(zorbd.output(), HasSubstr("released\nserved_methods deleted\nserved_methods unloaded\n"));
+}
+
+TEST(stop, waits_for_a_call_whose_client_has_left)
+{
+    Fifo fifo;
+    ZorbdProcess zorbd;
+    HttpConnection connection(zorbd.port());
+    connection.send(post(call("hold", R"({"fifo":")" + fifo.path() + R"("})")));
+    ASSERT_TRUE(zorbd.wait_for_line("holding"));
+    connection.reset();
+
+    zorbd.signal(SIGTERM);
+    ASSERT_TRUE(zorbd.wait_for_error_line("stopping after Terminated"));
+    fifo.release();
+
     EXPECT_EQ(zorbd.wait_for_exit(), 0);
     EXPECT_THAT(zorbd.output(), HasSubstr("released\nserved_methods deleted\nserved_methods unloaded\n"));
 }

@@ -3,9 +3,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "zeb/api/KX_RPCHandler.h"
 #include "zeb/api/RpcMethod.h"
@@ -35,6 +37,14 @@ public:
 
     int refuse(const Json& /*in*/, Json& /*out*/) { throw std::invalid_argument("no such thing"); }
 
+    /// Takes as many milliseconds as "params" says.
+    int linger(const Json& in, Json& /*out*/)
+    {
+        const int duration = in.get_json_object("params").get_json_int("ms");
+        std::this_thread::sleep_for(std::chrono::milliseconds(duration));
+        return 1;
+    }
+
     /// Runs until somebody opens the FIFO that "params" names and closes it again.
     int hold(const Json& in, Json& /*out*/)
     {
@@ -56,6 +66,7 @@ public:
         add("echo", &Methods::echo);
         add("fill", &Methods::fill);
         add("refuse", &Methods::refuse);
+        add("linger", &Methods::linger);
         add("hold", &Methods::hold);
         std::cout << "served_methods made" << std::endl;
     }
