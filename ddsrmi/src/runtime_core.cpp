@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "client/request_channel.h"
+#include "dds/lease.h"
 #include "ddsrmi/exceptions.h"
 #include "report.h"
 #include "server/request_team.h"
@@ -29,13 +30,12 @@ bool RuntimeCore::start(const RuntimeOptions& options, RuntimeHold& hold)
 {
     const std::lock_guard lock(m_mutex);
     if (m_starts == 0) {
-        const dds_entity_t participant = dds_create_participant(m_domain, nullptr, nullptr);
-        if (participant < 0) {
-            report(std::string("cannot join the DDS domain: ") + dds_strretcode(-participant) +
-                   " (is CYCLONEDDS_URI right?)");
+        try {
+            m_participant = std::make_shared<Entity>(create_patient_participant(m_domain));
+        } catch (const INTERNAL_ERROR& error) {
+            report(std::string(error.what()) + " (is CYCLONEDDS_URI right?)");
             return false;
         }
-        m_participant = std::make_shared<Entity>(participant, "cannot join the DDS domain");
     }
     m_options = options;
     ++m_starts;

@@ -8,7 +8,7 @@ import time
 
 from programs import CONTINUE, STOP, Failure, numbers
 
-LEASE = 10  # seconds after which a process that was killed is forgotten by the others
+LEASE = 60  # seconds after which a process that was killed is forgotten by the others
 
 
 @dataclasses.dataclass
@@ -158,7 +158,7 @@ def stopped_server(setting):
 
 def restarted_server(setting):
     """5: the server is killed and started again under load; the client is not"""
-    together = 10  # after so many, all of the dead servers are waited to be forgotten
+    together = 50  # after so many, all of the dead servers are waited to be forgotten
     cycles = together * setting.count(200 / together, 3)
     waits, resident = [], []
     with contextlib.ExitStack() as stack:

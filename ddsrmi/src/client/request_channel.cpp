@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "client/destroy_together.h"
 #include "client/handler_activation.h"
 #include "client/waiting_handler.h"
 #include "dds_rmi.h"
@@ -137,20 +138,28 @@ void RequestChannel::run()
         while (!m_closed) {
             m_loop.dispatch(time_to_next_task());
             give_up_the_overdue();
-            greet_servers();
+            tend_servers();
             tend_links();
         }
     } catch (...) {
         report_current_exception("the connection to service '" + m_names.service + "' is lost:");
         m_closed = true;
     }
-    m_candidate.reset();
-    m_links.clear();
-    Link current; // let go after the lock
+    let_go_of_links();
     const std::lock_guard lock(m_mutex);
-    current.swap(m_current);
     m_thread_id = std::thread::id();
     m_changed.notify_all();
+}
+
+void RequestChannel::let_go_of_links()
+{
+    m_candidate.reset();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_current.reset(); // it is one of the links
+    }
+    destroy_together(std::move(m_links));
+    m_links.clear();
 }
 
 std::chrono::nanoseconds RequestChannel::time_to_next_task()
@@ -161,7 +170,7 @@ std::chrono::nanoseconds RequestChannel::time_to_next_task()
         next = std::min(next, m_candidate_patience);
     next = std::min(next, m_idle_check);
     for (const Link& link : m_links)
-        next = std::min(next, link->greeting_due());
+        next = std::min(next, link->care_due());
     if (m_links_need_care)
         next = now;
     return std::max(next, now) - now;
@@ -197,10 +206,10 @@ void RequestChannel::deliver(const ServerLink& link, std::size_t operation, cons
     }
 }
 
-void RequestChannel::greet_servers()
+void RequestChannel::tend_servers()
 {
     for (const Link& link : m_links)
-        link->send_due_greetings(Clock::now());
+        link->tend(Clock::now());
 }
 
 void RequestChannel::tend_links()

@@ -65,7 +65,8 @@ private:
 
     void deliver(const ServerLink& link, std::size_t operation, const void* sample);
 
-    void greet_servers();
+    void tend_servers();
+    void let_go_of_links();
     void tend_links();
     const Announcement* better_server(bool next_please) const;
     std::string connected_path() const;
