@@ -2,9 +2,26 @@
 #include "json_value.h"
 
 #include <climits>
+#include <cstdint>
+#include <limits>
 #include <new>
+#include <optional>
 
 namespace zorbd {
+namespace {
+
+/// Most ids are integers, for which json-c's way, with a text of its own beside the object, takes long.
+std::optional<std::string> integer_text(json_object* object)
+{
+    if (!json_object_is_type(object, json_type_int))
+        return std::nullopt;
+    const std::int64_t value = json_object_get_int64(object);
+    if (value == std::numeric_limits<std::int64_t>::max())
+        return std::nullopt; // stands for all that are larger, too
+    return std::to_string(value);
+}
+
+} // namespace
 
 JsonValue json_string(std::string_view text)
 {
@@ -37,6 +54,8 @@ json_object* member(json_object* object, const char* key)
 
 std::string json_text(json_object* object)
 {
+    if (const auto text = integer_text(object))
+        return *text;
     constexpr int compact = JSON_C_TO_STRING_PLAIN | JSON_C_TO_STRING_NOSLASHESCAPE;
     std::size_t length = 0;
     const char* text = json_object_to_json_string_length(object, compact, &length);
