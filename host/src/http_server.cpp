@@ -98,8 +98,8 @@ struct HttpCallbacks
     static MHD_Result handle(void* closure, MHD_Connection* connection, const char* path, const char* method,
                              const char* /*version*/, const char* data, std::size_t* size, void** context)
     {
+        server(closure).m_is_busy = true;
         return guarded([&] {
-            server(closure).m_is_busy = true;
             auto* exchange = static_cast<HttpExchange*>(*context);
             if (exchange == nullptr) {
                 *context = exchange = make_exchange(server(closure), connection);
@@ -115,6 +115,7 @@ struct HttpCallbacks
     static void completed(void* closure, MHD_Connection* connection, void** context,
                           MHD_RequestTerminationCode /*how*/)
     {
+        server(closure).m_is_busy = true;
         HttpExchange::release(
             std::unique_ptr<HttpExchange>(static_cast<HttpExchange*>(std::exchange(*context, nullptr))));
         guarded([&] { enter(closure, connection, ConnectionPhase::idle); });
