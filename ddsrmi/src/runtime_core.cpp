@@ -7,6 +7,7 @@
 
 #include "client/request_channel.h"
 #include "dds/lease.h"
+#include "dds/undecodable_samples.h"
 #include "ddsrmi/exceptions.h"
 #include "report.h"
 #include "server/request_team.h"
@@ -30,6 +31,7 @@ bool RuntimeCore::start(const RuntimeOptions& options, RuntimeHold& hold)
 {
     const std::lock_guard lock(m_mutex);
     if (m_starts == 0) {
+        count_undecodable_samples();
         try {
             m_participant = std::make_shared<Entity>(create_patient_participant(m_domain));
         } catch (const INTERNAL_ERROR& error) {

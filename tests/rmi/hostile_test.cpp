@@ -29,6 +29,7 @@ TEST_F(HostilePeer, disturbs_neither_server_nor_clients)
     Client client({"load", "--caller", "1", "--pause", "500"});
     ASSERT_TRUE(client.wait_for_line("bound"));
     ChildProcess intruder({DRILL_INTRUDER});
+    const std::string undecodable = "dropped a sample that cannot be decoded";
 
     expect_published(intruder);
 
@@ -41,6 +42,8 @@ TEST_F(HostilePeer, disturbs_neither_server_nor_clients)
         "dropped a request to service 'drill' that is for another server or from no known client"));
     EXPECT_TRUE(client.wait_for_error_line(
         "dropped a reply of service 'drill' to a request that is not outstanding"));
+    EXPECT_NE(server.process().error_output().find(undecodable), std::string::npos);
+    EXPECT_NE(client.error_output().find(undecodable), std::string::npos);
 }
 
 TEST_F(HostilePeer, that_claims_to_be_the_server_does_not_keep_clients_from_it)

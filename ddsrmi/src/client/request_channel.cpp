@@ -17,10 +17,13 @@ namespace {
 // How long a call waits while the server's queues are full.
 constexpr std::chrono::seconds blocking_time{1};
 constexpr std::size_t most_outstanding = 200'000;
-// How long one server is tried before the next one, where a service has several.
-constexpr std::chrono::seconds connect_patience{3};
+// How long one server is tried before the next one, where a service has several: longer from turn to turn,
+// for it may be the machine that is slow.
+constexpr std::chrono::milliseconds first_patience{500};
+constexpr std::chrono::milliseconds longest_patience{4000};
 // How often a link that is to go is looked at while its server owes it acknowledgements.
 constexpr std::chrono::milliseconds idle_check_pause{500};
+constexpr std::chrono::seconds report_pause{1};
 
 char* c_string(const std::string& text)
 {
@@ -40,7 +43,7 @@ RequestChannel::RequestChannel(std::shared_ptr<Entity> participant, const Interf
     : m_participant(std::move(participant)), m_interface(interface_info), m_names(std::move(names)),
       m_timeout_ms(timeout_ms), m_outstanding(most_outstanding),
       m_strays("dropped a reply of service '" + m_names.service + "' to a request that is not outstanding"),
-      m_loop(*m_participant), m_watch(std::move(watch))
+      m_loop(*m_participant), m_watch(std::move(watch)), m_patience(first_patience)
 {
     m_watch_attachment = m_loop.attach(m_watch.entity(), [this] {
         m_watch.refresh();
@@ -145,6 +148,7 @@ void RequestChannel::run()
         report_current_exception("the connection to service '" + m_names.service + "' is lost:");
         m_closed = true;
     }
+    report_given_up();
     let_go_of_links();
     const std::lock_guard lock(m_mutex);
     m_thread_id = std::thread::id();
@@ -167,8 +171,10 @@ std::chrono::nanoseconds RequestChannel::time_to_next_task()
     const auto now = Clock::now();
     auto next = m_outstanding.plan_wake_up(now);
     if (m_candidate != nullptr && m_watch.live().size() > 1)
-        next = std::min(next, m_candidate_patience);
+        next = std::min(next, m_out_of_patience);
     next = std::min(next, m_idle_check);
+    if (m_given_up > 0)
+        next = std::min(next, m_next_report);
     for (const Link& link : m_links)
         next = std::min(next, link->care_due());
     if (m_links_need_care)
@@ -179,12 +185,23 @@ std::chrono::nanoseconds RequestChannel::time_to_next_task()
 void RequestChannel::give_up_the_overdue()
 {
     auto overdue = m_outstanding.take_expired(Clock::now());
-    if (overdue.empty())
+    if (!overdue.empty()) {
+        m_given_up += overdue.size();
+        release(overdue);
+        m_links_need_care = true;
+    }
+    if (Clock::now() >= m_next_report)
+        report_given_up();
+}
+
+// At most once a second, for there may be thousands in a second when a server is dead.
+void RequestChannel::report_given_up()
+{
+    if (m_given_up == 0)
         return;
-    report("gave up " + std::to_string(overdue.size()) + " requests to service '" + m_names.service +
-           "': no reply within " + std::to_string(timeout()) + " ms");
-    release(overdue);
-    m_links_need_care = true;
+    report("gave up " + std::to_string(std::exchange(m_given_up, 0)) + " requests to service '" +
+           m_names.service + "': no reply in time");
+    m_next_report = Clock::now() + report_pause;
 }
 
 void RequestChannel::deliver(const ServerLink& link, std::size_t operation, const void* sample)
@@ -214,7 +231,7 @@ void RequestChannel::tend_servers()
 
 void RequestChannel::tend_links()
 {
-    const bool out_of_patience = m_candidate != nullptr && Clock::now() >= m_candidate_patience;
+    const bool out_of_patience = m_candidate != nullptr && Clock::now() >= m_out_of_patience;
     if (!m_links_need_care && !out_of_patience && Clock::now() < m_idle_check)
         return;
     m_links_need_care = false;
@@ -224,8 +241,10 @@ void RequestChannel::tend_links()
     else if (m_candidate != nullptr && m_watch.find(m_candidate->server().path) == nullptr)
         m_candidate.reset();
 
-    if (out_of_patience)
-        m_candidate_patience = Clock::now() + connect_patience;
+    if (out_of_patience) {
+        m_patience = std::min(2 * m_patience, longest_patience);
+        m_out_of_patience = Clock::now() + m_patience;
+    }
     if (const Announcement* const server = better_server(out_of_patience))
         connect(*server);
     drop_idle_links();
@@ -251,7 +270,7 @@ std::string RequestChannel::connected_path() const
 void RequestChannel::connect(const Announcement& server)
 {
     auto link = std::make_shared<ServerLink>(*m_participant, m_interface, server, blocking_time);
-    m_candidate_patience = Clock::now() + connect_patience;
+    m_out_of_patience = Clock::now() + m_patience;
     m_links.push_back(link);
     m_candidate = link;
     link->attach(
@@ -264,6 +283,7 @@ void RequestChannel::connect(const Announcement& server)
 
 void RequestChannel::promote(const Link& link)
 {
+    m_patience = first_patience;
     {
         const std::lock_guard lock(m_mutex);
         m_current = link;

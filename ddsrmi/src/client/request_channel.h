@@ -62,6 +62,7 @@ private:
     void run();
     std::chrono::nanoseconds time_to_next_task();
     void give_up_the_overdue();
+    void report_given_up();
 
     void deliver(const ServerLink& link, std::size_t operation, const void* sample);
 
@@ -94,8 +95,11 @@ private:
     ServiceWatch m_watch;
     EventLoop::Attachment m_watch_attachment;
     std::vector<Link> m_links;
-    Link m_candidate; // being connected
-    Clock::time_point m_candidate_patience{};
+    Link m_candidate;           // being connected
+    std::size_t m_given_up = 0; // and not reported yet
+    Clock::time_point m_next_report{};
+    Clock::time_point m_out_of_patience{}; // with the candidate
+    std::chrono::milliseconds m_patience;
     bool m_links_need_care = true;
     Clock::time_point m_idle_check = Clock::time_point::max(); // of links that are idle but not settled
 
