@@ -1,19 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The time from a method object's Call to its reply hook, beside the same exchange on the Cyclone C API. Both
-// are measured alternately in one run, against server processes of their own; what is printed last are the
-// ratios of the medians over all repetitions.
+// The time from a method object's Call to its reply hook, and how many calls go through when 64 are
+// outstanding, beside the same exchange on the Cyclone C API, over gRPC and over D-Bus. All are measured
+// alternately in one run, against server processes of their own; the last line is JSON with the medians over
+// all repetitions.
 
 #include <benchmark/benchmark.h>
 
 #include <iostream>
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "grpc_calls.h"
 #include "latency_log.h"
 #include "plugin_calls.h"
 #include "raw_calls.h"
+#include "sdbus_calls.h"
 #include "support/dds_domain.h"
 
 namespace {
@@ -87,7 +91,7 @@ void throughput(benchmark::State& state, Caller& caller, const std::string& name
     state.SetItemsProcessed(static_cast<std::int64_t>(calls) * static_cast<std::int64_t>(state.iterations()));
 }
 
-void register_both(Caller& caller, const std::string& name)
+void register_caller(Caller& caller, const std::string& name)
 {
     benchmark::RegisterBenchmark(
         ("call_to_reply/" + name).c_str(),
@@ -101,12 +105,24 @@ void register_both(Caller& caller, const std::string& name)
         ->Iterations(1);
 }
 
-void print_ratio(const char* what, std::vector<double> Measured::*values, double scale, const char* unit)
+/// A member of the JSON object that the program ends with.
+std::string summary(const std::string& name, const Measured& measured)
 {
-    const double plugin = bench::percentile(results()["plugin"].*values, 0.5);
-    const double raw = bench::percentile(results()["raw"].*values, 0.5);
-    std::printf("%-28s plug-in %10.1f %-4s raw %10.1f %-4s ratio %.2f\n", what, plugin * scale, unit,
-                raw * scale, unit, plugin / raw);
+    std::ostringstream text;
+    text << '"' << name << R"(": {"median_us": )" << bench::percentile(measured.medians, 0.5) * 1e6
+         << R"(, "p99_us": )" << bench::percentile(measured.p99s, 0.5) * 1e6 << R"(, "calls_per_second": )"
+         << bench::percentile(measured.calls_per_second, 0.5) << '}';
+    return text.str();
+}
+
+void print_summary(std::ostream& screen)
+{
+    const char* separator = "{";
+    for (const auto& [name, measured] : results()) {
+        screen << separator << summary(name, measured);
+        separator = ", ";
+    }
+    screen << '}' << std::endl;
 }
 
 } // namespace
@@ -127,18 +143,21 @@ int main(int argc, char** argv)
     std::ostream screen(std::cout.rdbuf()); // the plug-in's own lines are kept off it
     bench::RawCalls raw;
     bench::PluginCalls plugin;
+    bench::GrpcCalls grpc;
+    bench::SdbusCalls sdbus;
     Caller raw_caller(raw);
     Caller plugin_caller(plugin);
-    register_both(raw_caller, "raw");
-    register_both(plugin_caller, "plugin");
+    Caller grpc_caller(grpc);
+    Caller sdbus_caller(sdbus);
+    register_caller(raw_caller, "raw");
+    register_caller(plugin_caller, "plugin");
+    register_caller(grpc_caller, "grpc");
+    register_caller(sdbus_caller, "sdbus");
 
     benchmark::ConsoleReporter reporter(benchmark::ConsoleReporter::OO_Tabular);
     reporter.SetOutputStream(&screen);
     benchmark::RunSpecifiedBenchmarks(&reporter);
 
-    std::printf("\nMedians over %zu repetitions:\n", results()["raw"].medians.size());
-    print_ratio("call to reply, median", &Measured::medians, 1e6, "us");
-    print_ratio("call to reply, p99", &Measured::p99s, 1e6, "us");
-    print_ratio("calls, 64 outstanding", &Measured::calls_per_second, 1, "/s");
+    print_summary(screen);
     return 0;
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "call_texts.h"
+#include "server_process.h"
 
 namespace bench {
 
@@ -34,7 +35,8 @@ void PluginCalls::CloseLibrary::operator()(void* library) const
 }
 
 PluginCalls::PluginCalls()
-    : m_server({RMI_SERVER}), m_lines(replies()), m_library(dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL))
+    : m_server(start_server({RMI_SERVER})), m_lines(replies()),
+      m_library(dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL))
 {
     if (m_library == nullptr)
         throw std::runtime_error(dlerror());
@@ -51,7 +53,10 @@ PluginCalls::PluginCalls()
     m_request.set_json_object("params", params);
 }
 
-PluginCalls::~PluginCalls() = default;
+PluginCalls::~PluginCalls()
+{
+    end_server(m_server);
+}
 
 void PluginCalls::start()
 {

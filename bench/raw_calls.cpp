@@ -4,10 +4,11 @@
 #include <VarnelRMI_topics.h>
 
 #include "call_texts.h"
+#include "server_process.h"
 
 namespace bench {
 
-RawCalls::RawCalls() : m_server({RAW_SERVER}), m_end(RawEnd::Side::client)
+RawCalls::RawCalls() : m_server(start_server({RAW_SERVER})), m_end(RawEnd::Side::client)
 {
     m_end.wait_for_peer();
     m_receiver = std::thread([this] {
@@ -23,6 +24,7 @@ RawCalls::~RawCalls()
     m_stopped = true;
     m_end.wake();
     m_receiver.join();
+    end_server(m_server);
 }
 
 void RawCalls::start()
