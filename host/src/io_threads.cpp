@@ -73,10 +73,10 @@ void IoThreads::lead(std::unique_lock<std::mutex>& lock)
     m_ready.swap(m_collected);
     if (!m_is_watched)
         return hand_to_workers();
-    while (leads() && m_next < m_ready.size())
+    while (leads() && m_calls_are_quick && m_next < m_ready.size())
         run_next(lock);
     if (leads())
-        forget_ready();
+        hand_to_workers(); // what is left after a call that was not quick
 }
 
 void IoThreads::run_next(std::unique_lock<std::mutex>& lock)
@@ -129,12 +129,6 @@ void IoThreads::hand_to_workers()
 {
     while (m_next < m_ready.size())
         m_workers.submit_reserved(*m_ready[m_next++]);
-    forget_ready();
-}
-
-/// The caller holds m_mutex.
-void IoThreads::forget_ready()
-{
     m_ready.clear();
     m_next = 0;
 }

@@ -70,7 +70,6 @@ private:
     void watch(std::unique_lock<std::mutex>& lock);
     void take_lead();
     void hand_to_workers();
-    void forget_ready();
     bool leads() const { return m_leader == std::this_thread::get_id(); }
     void stop();
 
