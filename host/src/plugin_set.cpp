@@ -102,7 +102,8 @@ void PluginSet::take_offer(std::size_t index, const zeb::api::KX_RPCHandler& han
     const std::vector<Offer> offers = m_offers;
     lock.unlock();
 
-    log_message("plug-in " + file + " is bound and offers " + std::to_string(offer.size()) + " methods");
+    log_message("plug-in " + file + " is bound and offers " + std::to_string(offer.size()) +
+                (offer.size() == 1 ? " method" : " methods"));
     log_conflicts(published, offers, index);
 }
 

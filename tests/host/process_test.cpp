@@ -324,6 +324,20 @@ TEST_P(StopSignal, stops_in_order)
 
 INSTANTIATE_TEST_SUITE_P(stop, StopSignal, testing::Values(SIGTERM, SIGINT, SIGHUP));
 
+TEST(stop, deletes_all_handlers_before_it_unloads_a_library_the_last_first)
+{
+    const TemporaryFolder folder;
+    folder.write("service", "");
+    ZorbdProcess zorbd({"--plugin", plugin("late_service")}, {{"LATE_SERVICE", folder.path() / "service"}});
+    ASSERT_TRUE(zorbd.says("late_service.so is bound"));
+
+    zorbd.signal(SIGTERM);
+
+    EXPECT_EQ(zorbd.wait_for_exit(), 0);
+    EXPECT_THAT(zorbd.output(), HasSubstr("served_methods deleted\nlate_service deleted\n"
+                                          "served_methods unloaded\nlate_service unloaded\n"));
+}
+
 TEST(stop, lets_a_running_call_end_and_answers_it_before_its_plugin_goes)
 {
     Fifo fifo;

@@ -44,6 +44,11 @@ private:
 
 } // namespace
 
+struct Unloading
+{
+    ~Unloading() { std::cout << "late_service unloaded" << std::endl; }
+} unloading;
+
 extern "C" zeb::api::KX_RPCHandler* RPCHandler()
 {
     return new Handler;
