@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+// Makes and deletes, on Cyclone alone, the endpoints that a client has for one server after another, and
+// prints what of each is left in memory for good: what Cyclone itself keeps, whoever uses it.
+#include <dds/dds.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+#include "intruder.h"
+
+namespace {
+
+constexpr std::size_t operations = 14;
+
+dds_entity_t check(dds_entity_t entity)
+{
+    if (entity < 0)
+        throw std::runtime_error(dds_strretcode(-entity));
+    return entity;
+}
+
+long resident_kib()
+{
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word)
+        if (word == "VmRSS:")
+            break;
+    long kib = 0;
+    status >> kib;
+    return kib;
+}
+
+/// As one server's partitions and path names are.
+void make_and_delete(dds_entity_t participant, int number)
+{
+    const std::string path = "1105953-d9df1e03-c2ff7cfe-1c1-" + std::to_string(100'000 + number);
+    dds_qos_t* const qos = dds_create_qos();
+    dds_qset_partition1(qos, path.c_str());
+    dds_qset_userdata(qos, path.data(), path.size());
+    dds_qset_reliability(qos, DDS_RELIABILITY_RELIABLE, 0);
+    dds_qset_history(qos, DDS_HISTORY_KEEP_ALL, DDS_LENGTH_UNLIMITED);
+    const dds_entity_t publisher = check(dds_create_publisher(participant, qos, nullptr));
+    const dds_entity_t subscriber = check(dds_create_subscriber(participant, qos, nullptr));
+    std::array<dds_entity_t, operations * 4> entities{};
+    for (std::size_t i = 0; i < entities.size(); i += 4) {
+        const std::string topic = "topic_" + std::to_string(i);
+        entities[i + 2] = check(
+            dds_create_topic(participant, &Intruder_Bytes4_desc, ("a" + topic).c_str(), nullptr, nullptr));
+        entities[i + 3] = check(
+            dds_create_topic(participant, &Intruder_Bytes20_desc, ("b" + topic).c_str(), nullptr, nullptr));
+        entities[i] = check(dds_create_writer(publisher, entities[i + 2], qos, nullptr));
+        entities[i + 1] = check(dds_create_reader(subscriber, entities[i + 3], qos, nullptr));
+    }
+    dds_delete_qos(qos);
+    for (const dds_entity_t entity : entities)
+        dds_delete(entity);
+    dds_delete(publisher);
+    dds_delete(subscriber);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    int rounds = 200;
+    CLI::App app{"Prints how much memory Cyclone keeps of endpoints that have been deleted."};
+    app.add_option("--rounds", rounds, "How many servers' endpoints to make and delete")
+        ->capture_default_str();
+    CLI11_PARSE(app, argc, argv);
+
+    constexpr int warm_up = 20;
+    try {
+        const dds_entity_t participant = check(dds_create_participant(DDS_DOMAIN_DEFAULT, nullptr, nullptr));
+        for (int i = 0; i < warm_up; ++i)
+            make_and_delete(participant, i);
+        const long before = resident_kib();
+        for (int i = 0; i < rounds; ++i)
+            make_and_delete(participant, warm_up + i);
+        std::cout << "kept_kib=" << static_cast<double>(resident_kib() - before) / rounds << std::endl;
+        dds_delete(participant);
+    } catch (const std::exception& error) {
+        std::cerr << "drill_endpoints: " << error.what() << std::endl;
+        return 1;
+    }
+    return 0;
+}
