@@ -141,8 +141,6 @@ void LinkedHosts::bring_link_up() const
     ip_in(Side::server, {"link", "set", device, "up"});
 }
 
-// Participants that have lost each other meet again when one announces itself, which is done every 8 s (four
-// fifths of the lease) unless the configuration says how often.
 std::string LinkedHosts::dds_configuration() const
 {
     const bool multicast = m_discovery == Discovery::multicast;
@@ -151,8 +149,8 @@ std::string LinkedHosts::dds_configuration() const
                               "\"/></Peers>";
     return "<CycloneDDS><Domain Id=\"any\"><General><Interfaces><NetworkInterface name=\"" + device +
            "\"/></Interfaces><AllowMulticast>" + (multicast ? "true" : "false") +
-           "</AllowMulticast></General><Discovery><SPDPInterval>2 s</SPDPInterval>" +
-           (multicast ? "" : peers) + "</Discovery></Domain></CycloneDDS>";
+           "</AllowMulticast></General><Discovery>" + (multicast ? "" : peers) +
+           "</Discovery></Domain></CycloneDDS>";
 }
 
 } // namespace two_hosts
