@@ -179,14 +179,15 @@ void ServerLink::feel_due_pulse(Clock::time_point now)
 {
     if (now < m_pulse_due)
         return;
-    const bool is_well = settled();
-    if (is_well) {
+    if (settled()) {
         m_last_sign = now;
         if (!m_silent)
             send_greeting(m_exchanges[0].request_writer.get(), *m_exchanges[0].operation->request_type,
                           m_path);
+    } else if (!m_silent && now - m_last_sign > m_longest_silence && acknowledges_soon()) {
+        m_last_sign = now;
     }
-    const bool silent = now - m_last_sign > m_longest_silence && (m_silent || !acknowledges_soon());
+    const bool silent = now - m_last_sign > m_longest_silence;
     m_pulse_due = now + (silent ? silent_pulse : m_longest_silence / pulses_in_a_silence);
     if (silent == m_silent)
         return;
