@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "remote_host.h"
 
-#include <sstream>
 #include <stdexcept>
 
 #include "http_client.h"
@@ -41,12 +40,12 @@ std::string RemoteHost::call(const std::string& method, const std::string& param
     return host_test::ask(socket(), host_test::post(body)).body;
 }
 
-int RemoteHost::count_lines(const std::string& beginning) const
+int RemoteHost::count(const std::string& text) const
 {
     int count = 0;
-    std::istringstream lines(m_process.output());
-    for (std::string line; std::getline(lines, line);)
-        count += line.rfind(beginning, 0) == 0 ? 1 : 0;
+    const std::string output = m_process.output();
+    for (auto found = output.find(text); found != std::string::npos; found = output.find(text, found + 1))
+        ++count;
     return count;
 }
 

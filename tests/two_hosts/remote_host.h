@@ -26,8 +26,8 @@ public:
     /// The body of the answer to a call; `params` is a JSON text or empty. Any thread.
     std::string call(const std::string& method, const std::string& params = {}) const;
 
-    /// How many lines that begin so it has written.
-    int count_lines(const std::string& beginning) const;
+    /// How often it has written that. (Lines of several threads may run into each other.)
+    int count(const std::string& text) const;
 
 private:
     const test_support::TemporaryFolder m_folder;

@@ -80,13 +80,13 @@ Clock::duration time_to_an_answer(RemoteHost& host)
     return Clock::now() - start;
 }
 
-/// Waits for the lines; gives how many there are.
+/// Waits for so many replies; gives how many there are.
 int wait_for_replies(RemoteHost& host, int count)
 {
     const auto deadline = Clock::now() + event_deadline;
-    while (host.count_lines(steady_reply) < count && Clock::now() < deadline)
+    while (host.count(steady_reply) < count && Clock::now() < deadline)
         host.process().wait_for_line(steady_reply, 1s);
-    return host.count_lines(steady_reply);
+    return host.count(steady_reply);
 }
 
 /// The numbers of a line such as "done accepted=3 replied=2".
