@@ -52,7 +52,7 @@ Daemon::Daemon(const Options& options)
         serve(m_unix->fd(), {std::nullopt, {}, options.max_body});
 }
 
-void Daemon::serve(int socket, AccessRules rules)
+void Daemon::serve(int socket, const AccessRules& rules)
 {
     const HttpServices services{m_dispatcher, m_workers, m_connections,
                                 [this] { return report_health(m_plugins); }};

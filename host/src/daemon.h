@@ -37,7 +37,7 @@ public:
     bool finish(std::chrono::steady_clock::time_point deadline);
 
 private:
-    void serve(int socket, AccessRules rules);
+    void serve(int socket, const AccessRules& rules);
 
     PluginSet m_plugins;
     std::optional<TcpListener> m_tcp;
