@@ -283,7 +283,8 @@ TEST(limits, a_slow_call_holds_no_connection_up_that_was_there_before)
     Fifo fifo;
     ZorbdProcess zorbd({"--threads", "2"});
     std::vector<HttpConnection> others; // so many that some share their I/O threads with the slow one
-    for (int i = 0; i < 24; ++i)
+    others.reserve(24);
+    while (others.size() < 24)
         others.emplace_back(zorbd.port());
     HttpConnection slow(zorbd.port());
     slow.send(hold(fifo));
