@@ -165,7 +165,7 @@ def endpoints_kept_kib(setting):
 def restarted_server(setting):
     """5: the server is killed and started again under load; the client is not"""
     together = 50  # after so many, all of the dead servers are waited to be forgotten
-    cycles = together * setting.count(200 / together, 3)
+    cycles = together * setting.count(200 / together, 2)
     waits, resident = [], []
     with contextlib.ExitStack() as stack:
         server = stack.enter_context(setting.programs.server())
