@@ -20,13 +20,18 @@ EventLoop::EventLoop(const Entity& participant)
           "cannot attach a guard condition");
 }
 
-EventLoop::Attachment EventLoop::attach(dds_entity_t entity, Action action)
+std::shared_ptr<ArrivalFlag> EventLoop::make_arrival_flag()
+{
+    return std::make_shared<ArrivalFlag>(m_raised_flags);
+}
+
+EventLoop::Attachment EventLoop::attach(dds_entity_t entity, Action action, std::shared_ptr<ArrivalFlag> flag)
 {
     dds_attach_t id = 0;
     {
         const std::lock_guard lock(m_mutex);
         id = ++m_last_id;
-        m_attached.emplace(id, Attached{entity, std::make_shared<Action>(std::move(action))});
+        m_attached.emplace(id, Attached{std::make_shared<Action>(std::move(action)), std::move(flag)});
     }
     Attachment attachment(*this, entity, id);
     check(dds_waitset_attach(m_waitset.get(), entity, id), "cannot attach to a waitset");
@@ -42,16 +47,18 @@ std::size_t EventLoop::dispatch(std::chrono::nanoseconds timeout)
     return run_actions(triggered.data(), std::min(static_cast<std::size_t>(count), triggered.size()));
 }
 
-std::size_t EventLoop::dispatch_triggered()
+std::size_t EventLoop::dispatch_arrivals()
 {
-    m_triggered.clear();
+    if (m_raised_flags == 0)
+        return 0;
+    m_flagged.clear();
     {
         const std::lock_guard lock(m_mutex);
         for (const auto& [id, attached] : m_attached)
-            if (dds_triggered(attached.entity) > 0)
-                m_triggered.push_back(id);
+            if (attached.flag != nullptr && attached.flag->is_raised())
+                m_flagged.push_back(id);
     }
-    return run_actions(m_triggered.data(), m_triggered.size());
+    return run_actions(m_flagged.data(), m_flagged.size());
 }
 
 std::size_t EventLoop::run_actions(const dds_attach_t* ids, std::size_t count)
@@ -89,6 +96,8 @@ std::shared_ptr<EventLoop::Action> EventLoop::begin_action(dds_attach_t id)
     const auto found = m_attached.find(id);
     if (found == m_attached.end())
         return nullptr;
+    if (found->second.flag != nullptr)
+        found->second.flag->lower();
     m_running_id = id;
     m_running_on = std::this_thread::get_id();
     return found->second.action;

@@ -2,6 +2,7 @@
 #ifndef DDSRMI_DDS_EVENT_LOOP_H
 #define DDSRMI_DDS_EVENT_LOOP_H
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -9,8 +10,10 @@
 #include <mutex>
 #include <thread>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "dds/arrival_flag.h"
 #include "dds/entity.h"
 
 namespace org::opensplice::DDS_RMI {
@@ -46,15 +49,23 @@ public:
 
     /// Has `action` run by dispatch() for as long as the entity's condition or status is triggered; the
     /// action must clear it.
-    Attachment attach(dds_entity_t entity, Action action);
+    Attachment attach(dds_entity_t entity, Action action)
+    {
+        return attach(entity, std::move(action), nullptr);
+    }
+
+    /// For a reader that dispatch_arrivals() is to look at. To be made before the reader, and to be given to
+    /// attach() with the reader's condition.
+    std::shared_ptr<ArrivalFlag> make_arrival_flag();
+    Attachment attach(dds_entity_t entity, Action action, std::shared_ptr<ArrivalFlag> flag);
 
     /// Waits until something is triggered, wake() has been called or `timeout` has passed, and runs the
     /// actions of what was triggered. Gives how many that were.
     std::size_t dispatch(std::chrono::nanoseconds timeout);
 
-    /// Runs the actions of what is triggered right now; gives how many that were. Unlike dispatch() with no
-    /// timeout it never enters the kernel, which would take longer than a whole call.
-    std::size_t dispatch_triggered();
+    /// Runs the actions of what has its arrival flag raised; gives how many that were. A sample is found that
+    /// came before another one which the last look has found.
+    std::size_t dispatch_arrivals();
 
     /// Lets the current or the next dispatch() return.
     void wake();
@@ -64,8 +75,8 @@ private:
 
     struct Attached
     {
-        dds_entity_t entity;
         std::shared_ptr<Action> action;
+        std::shared_ptr<ArrivalFlag> flag; // may be null
     };
 
     std::size_t run_actions(const dds_attach_t* ids, std::size_t count);
@@ -82,7 +93,8 @@ private:
     std::thread::id m_running_on;                          // guarded by m_mutex
     dds_attach_t m_last_id = 0;                            // guarded by m_mutex
     std::unordered_map<dds_attach_t, Attached> m_attached; // guarded by m_mutex
-    Ids m_triggered;                                       // belongs to the dispatching thread
+    Ids m_flagged;                                         // belongs to the dispatching thread
+    std::atomic<unsigned> m_raised_flags{0};
 };
 
 } // namespace org::opensplice::DDS_RMI

@@ -108,7 +108,7 @@ private:
             m_held.swap(m_arrived);
         }
         if (!m_held.empty())
-            unlocked(lock, [this] { m_arrivals.dispatch_triggered(); });
+            unlocked(lock, [this] { m_arrivals.dispatch_arrivals(); });
         m_someone_waits_for_arrivals = false;
         const std::size_t new_jobs = release_held();
         // This thread takes the first job; each other one, and the waiting, is for somebody else.

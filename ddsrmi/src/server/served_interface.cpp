@@ -49,14 +49,15 @@ ServedInterface::Intake ServedInterface::make_intake(std::size_t operation)
     const std::string what = std::string("cannot create a reader of ") + info.request_topic;
     Intake intake;
     intake.topic = create_topic(*m_participant, *info.request_type, info.request_topic);
+    intake.flag = m_team->arrivals().make_arrival_flag();
     intake.reader = Entity(dds_create_reader(m_subscriber.get(), intake.topic.get(),
-                                             exchange_qos(std::chrono::nanoseconds::zero()).get(), nullptr),
+                                             exchange_qos(std::chrono::nanoseconds::zero()).get(),
+                                             intake.flag->listener().get()),
                            what);
     intake.any_request = Entity(dds_create_readcondition(intake.reader.get(), DDS_ANY_STATE), what);
-    intake.attachment =
-        m_team->arrivals().attach(intake.any_request.get(), [this, operation, reader = intake.reader.get()] {
-            take_in(operation, reader);
-        });
+    intake.attachment = m_team->arrivals().attach(
+        intake.any_request.get(),
+        [this, operation, reader = intake.reader.get()] { take_in(operation, reader); }, intake.flag);
     return intake;
 }
 

@@ -39,6 +39,7 @@ private:
     struct Intake
     {
         Entity topic;
+        std::shared_ptr<ArrivalFlag> flag;
         Entity reader;
         Entity any_request;
         EventLoop::Attachment attachment;
