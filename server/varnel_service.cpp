@@ -40,15 +40,9 @@ std::string shown(int value)
     return std::to_string(value);
 }
 
-/// Nothing that goes wrong in here, not even for want of memory, may keep the client from its reply.
-template <class Action>
-void guarded(const char* operation, Action action) noexcept
+void report_failure(const char* operation, const std::exception& error)
 {
-    try {
-        action();
-    } catch (const std::exception& error) {
-        std::cerr << "varnelde: " << operation << " failed: " << error.what() << std::endl;
-    }
+    std::cerr << "varnelde: " << operation << " failed: " << error.what() << std::endl;
 }
 
 } // namespace
@@ -58,13 +52,23 @@ VarnelService::VarnelService(SensorNetwork& network, CallLog& log, ReplyDelay& d
 {
 }
 
+// Nothing that goes wrong in the network or in the log, not even for want of memory, may keep the client from
+// its reply.
 template <class... Parameters, class... Arguments>
 DDS::Long VarnelService::answer(const char* name, Reply (SensorNetwork::*operation)(Parameters...),
                                 Arguments... arguments)
 {
     Reply reply{static_cast<int>(Failure::internal_error)};
-    guarded(name, [&] { reply = (m_network.*operation)(received(arguments)...); });
-    guarded(name, [&] { m_log.call(name, {shown(received(arguments))...}, reply); });
+    try {
+        reply = (m_network.*operation)(received(arguments)...);
+    } catch (const std::exception& error) {
+        report_failure(name, error);
+    }
+    try {
+        m_log.call(name, {shown(received(arguments))...}, reply);
+    } catch (const std::exception& error) {
+        report_failure(name, error);
+    }
     m_delay.wait();
     return reply.value;
 }
