@@ -30,9 +30,7 @@ endif()
 add_link_options(-Wl,-z,relro,-z,now -Wl,--as-needed)
 
 if(SANITIZE)
-    # gcc takes what the sanitizers add for uses of uninitialised variables; the plain build keeps the warning.
-    add_compile_options(-fsanitize=${SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g -O1
-                        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+    add_compile_options(-fsanitize=${SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g -O1)
     add_link_options(-fsanitize=${SANITIZE})
 else()
     add_compile_options(-fstack-protector-strong "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
