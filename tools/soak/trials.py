@@ -125,12 +125,14 @@ def killed_server(setting):
             server = stack.enter_context(setting.programs.server())
             setting.progress(f'{number + 1} of {rounds} servers killed')
         client.ask('ping', 'pong')
+        time.sleep(LEASE + 2)
+        forgotten = client.resident_kib()
         client.expect_clean_end()
         server.expect_clean_end()
-    growth = resident[-1] - resident[1]
+    growth = forgotten - resident[1]
     return Outcome(f'{rounds} servers killed with {requests} requests outstanding',
                    f'all given up after 3 s, {replied} replied; resident {resident[1]} KiB after the second, '
-                   f'{resident[-1]} KiB after the last',
+                   f'{resident[-1]} KiB after the last, {forgotten} KiB once they were forgotten',
                    replied == 0 and growth <= 1024)
 
 

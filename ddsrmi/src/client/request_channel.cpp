@@ -2,6 +2,7 @@
 #include "client/request_channel.h"
 
 #include <algorithm>
+#include <future>
 #include <utility>
 
 #include "client/destroy_together.h"
@@ -21,8 +22,6 @@ constexpr std::size_t most_outstanding = 200'000;
 // for it may be the machine that is slow.
 constexpr std::chrono::milliseconds first_patience{500};
 constexpr std::chrono::milliseconds longest_patience{4000};
-// How often a link that is to go is looked at while its server owes it acknowledgements.
-constexpr std::chrono::milliseconds idle_check_pause{500};
 constexpr std::chrono::seconds report_pause{1};
 
 char* c_string(const std::string& text)
@@ -164,6 +163,7 @@ void RequestChannel::let_go_of_links()
     }
     destroy_together(std::move(m_links));
     m_links.clear();
+    m_partings.clear(); // waits for them
 }
 
 std::chrono::nanoseconds RequestChannel::time_to_next_task()
@@ -172,7 +172,6 @@ std::chrono::nanoseconds RequestChannel::time_to_next_task()
     auto next = m_outstanding.plan_wake_up(now);
     if (m_candidate != nullptr && m_watch.live().size() > 1)
         next = std::min(next, m_out_of_patience);
-    next = std::min(next, m_idle_check);
     if (m_given_up > 0)
         next = std::min(next, m_next_report);
     for (const Link& link : m_links)
@@ -232,7 +231,7 @@ void RequestChannel::tend_servers()
 void RequestChannel::tend_links()
 {
     const bool out_of_patience = m_candidate != nullptr && Clock::now() >= m_out_of_patience;
-    if (!m_links_need_care && !out_of_patience && Clock::now() < m_idle_check)
+    if (!m_links_need_care && !out_of_patience)
         return;
     m_links_need_care = false;
 
@@ -291,23 +290,22 @@ void RequestChannel::promote(const Link& link)
     m_changed.notify_all();
 }
 
+// A link whose server owes it acknowledgements waits for them while it is destroyed, which must not keep
+// replies of other servers from being delivered.
 void RequestChannel::drop_idle_links()
 {
-    m_idle_check = Clock::time_point::max();
-    m_links.erase(
-        std::remove_if(m_links.begin(), m_links.end(), [this](const Link& link) { return may_go(link); }),
-        m_links.end());
-}
+    const auto first_idle =
+        std::partition(m_links.begin(), m_links.end(), [this](const Link& link) { return !is_idle(link); });
+    for (auto idle = first_idle; idle != m_links.end(); ++idle)
+        if (!(*idle)->settled())
+            m_partings.push_back(
+                std::async(std::launch::async, [link = std::move(*idle)]() mutable { link.reset(); }));
+    m_links.erase(first_idle, m_links.end());
 
-// Replies are not delivered while a link is being destroyed.
-bool RequestChannel::may_go(const Link& link)
-{
-    if (!is_idle(link))
-        return false;
-    if (link->settled())
-        return true;
-    m_idle_check = Clock::now() + idle_check_pause;
-    return false;
+    const auto has_ended = [](const std::future<void>& parting) {
+        return parting.wait_for(std::chrono::seconds::zero()) == std::future_status::ready;
+    };
+    m_partings.erase(std::remove_if(m_partings.begin(), m_partings.end(), has_ended), m_partings.end());
 }
 
 bool RequestChannel::is_idle(const Link& link) const

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -75,7 +76,6 @@ private:
     void promote(const Link& link);
     void drop_idle_links();
     bool is_idle(const Link& link) const;
-    bool may_go(const Link& link);
 
     Link usable_link();
     void fill_header(void* request, DDS::ULong id, const ServerLink& link) const;
@@ -101,7 +101,7 @@ private:
     Clock::time_point m_out_of_patience{}; // with the candidate
     std::chrono::milliseconds m_patience;
     bool m_links_need_care = true;
-    Clock::time_point m_idle_check = Clock::time_point::max(); // of links that are idle but not settled
+    std::vector<std::future<void>> m_partings; // links that are being destroyed
 
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
