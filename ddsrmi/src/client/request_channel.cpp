@@ -283,6 +283,7 @@ void RequestChannel::connect(const Announcement& server)
 void RequestChannel::promote(const Link& link)
 {
     m_patience = first_patience;
+    m_watch.forget_predecessors(link->server());
     {
         const std::lock_guard lock(m_mutex);
         m_current = link;

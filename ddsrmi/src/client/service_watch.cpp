@@ -68,6 +68,14 @@ const Announcement* ServiceWatch::next_in_turn(const std::string& path, const st
     return newest;
 }
 
+void ServiceWatch::forget_predecessors(const Announcement& server)
+{
+    const auto found = std::find_if(m_live.begin(), m_live.end(),
+                                    [&](const Announcement& one) { return one.path == server.path; });
+    const auto precedes = [&](const Announcement& one) { return one.instance == server.instance; };
+    m_live.erase(std::remove_if(m_live.begin(), found, precedes), found);
+}
+
 void ServiceWatch::take_announcements()
 {
     take_all(m_reader.get(), [this](const void* sample, const dds_sample_info_t& info) {

@@ -44,6 +44,10 @@ public:
     /// `excluded`.
     const Announcement* next_in_turn(const std::string& path, const std::string& excluded) const;
 
+    /// To be called when a server has been reached: those of the same instance that came before it are dead,
+    /// even if that has not shown yet.
+    void forget_predecessors(const Announcement& server);
+
 private:
     void take_announcements();
     void forget_the_gone();
