@@ -48,8 +48,12 @@ answers() {
     start "$folder/zorbd.log" "${emulator[@]}" "$installed/bin/zorbd" --listen 127.0.0.1:0 --plugin "$1"
     follow "$folder/zorbd.log" $!
     await_line 60 'ready on http://(127\.0\.0\.1:[1-9][0-9]*)/' || { cat "$folder/zorbd.log" && return 1; }
-    local answer
-    answer=$(rpc_send "${BASH_REMATCH[1]}" "$(rpc_request 1 greet '{"name": "Ada"}')")
+    local answer address=${BASH_REMATCH[1]}
+    # It may have been bound before, so from the first line again.
+    unfollow
+    follow "$folder/zorbd.log" "${started[-1]}"
+    await_line 60 ' is bound ' || { cat "$folder/zorbd.log" && return 1; }
+    answer=$(rpc_send "$address" "$(rpc_request 1 greet '{"name": "Ada"}')")
     stop_all
     contains "$answer" '"result":"Hello, Ada!"'
 }
