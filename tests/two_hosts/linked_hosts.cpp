@@ -4,9 +4,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <filesystem>
-#include <regex>
 #include <system_error>
 
 namespace two_hosts {
@@ -17,7 +17,7 @@ using Words = std::vector<std::string>;
 
 // Both ends of the cable have this name, each in its own namespace.
 const std::string device = "cable";
-constexpr const char* prefix = "varnel-test-";
+const std::string prefix = "varnel-test-";
 
 std::string namespace_of(Side side)
 {
@@ -59,14 +59,21 @@ void delete_namespace(const std::string& name)
     complaint_of_ip({"netns", "delete", name});
 }
 
+/// The process whose number is in a namespace's name; 0 when it is no name of namespace_of().
+pid_t maker_of(const std::string& name)
+{
+    pid_t maker = 0;
+    if (name.compare(0, prefix.size(), prefix) == 0)
+        std::from_chars(name.data() + prefix.size(), name.data() + name.size(), maker);
+    return maker;
+}
+
 void delete_what_killed_tests_have_left()
 {
-    const std::regex pattern(prefix + std::string("([0-9]+)-(server|client)"));
     std::error_code none_there;
     for (const auto& entry : std::filesystem::directory_iterator("/run/netns", none_there)) {
         const std::string name = entry.path().filename();
-        std::smatch match;
-        if (std::regex_match(name, match, pattern) && ::kill(std::stoi(match[1]), 0) != 0 && errno == ESRCH)
+        if (const pid_t maker = maker_of(name); maker > 0 && ::kill(maker, 0) != 0 && errno == ESRCH)
             delete_namespace(name);
     }
 }

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <fstream>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -92,8 +91,9 @@ int wait_for_replies(RemoteHost& host, int count)
 /// The numbers of a line such as "done accepted=3 replied=2".
 int number(const std::string& line, const std::string& name)
 {
-    std::smatch match;
-    return std::regex_search(line, match, std::regex(" " + name + "=([0-9]+)")) ? std::stoi(match[1]) : -1;
+    const std::string label = " " + name + "=";
+    const std::size_t place = line.find(label);
+    return place == std::string::npos ? -1 : std::stoi(line.substr(place + label.size()));
 }
 
 /// How many calls it has reported as given up.
@@ -101,9 +101,9 @@ int reported_given_up(const ChildProcess& client)
 {
     int total = 0;
     const std::string text = client.error_output();
-    const std::regex pattern("gave up ([0-9]+) requests");
-    for (std::sregex_iterator match(text.begin(), text.end(), pattern), end; match != end; ++match)
-        total += std::stoi((*match)[1]);
+    const std::string label = "gave up ";
+    for (std::size_t at = text.find(label); at != std::string::npos; at = text.find(label, at + 1))
+        total += std::stoi(text.substr(at + label.size()));
     return total;
 }
 
