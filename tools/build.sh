@@ -4,8 +4,6 @@
 
 use_ccache() {
     if command -v ccache >/dev/null; then
-        # A clone in another folder finds what this one has compiled.
-        export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
         export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
     fi
 }
