@@ -53,7 +53,8 @@ VarnelService::VarnelService(SensorNetwork& network, CallLog& log, ReplyDelay& d
 }
 
 // Nothing that goes wrong in the network or in the log, not even for want of memory, may keep the client from
-// its reply.
+// its reply. Twice the same handling, because gcc 12 makes wrong code under sanitizers of a function object
+// that captures these arguments.
 template <class... Parameters, class... Arguments>
 DDS::Long VarnelService::answer(const char* name, Reply (SensorNetwork::*operation)(Parameters...),
                                 Arguments... arguments)

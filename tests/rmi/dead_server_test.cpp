@@ -41,6 +41,23 @@ protected:
         return false;
     }
 
+    /// Asks until the server that answers has run stamp so often; false when none has within the time for
+    /// events.
+    static bool runs_become(const Proxy& proxy, DDS::ULong runs)
+    {
+        const auto deadline = Clock::now() + test_support::event_deadline;
+        while (is_answered_again(proxy) && Clock::now() < deadline) {
+            try {
+                if (proxy->runs() == runs)
+                    return true;
+            } catch (const rmi::SystemException&) {
+                // it has ended meanwhile
+            }
+            wait_a_moment();
+        }
+        return false;
+    }
+
     /// Calls until the failure is that no server is there, and gives its message.
     static std::optional<std::string> message_of_not_found(const Proxy& proxy)
     {
@@ -197,6 +214,19 @@ TEST_F(DeadServer, is_replaced_by_another_instance_for_a_proxy_of_any)
     first->kill();
 
     EXPECT_TRUE(is_answered_again(proxy));
+}
+
+TEST_F(DeadServer, leaves_its_clients_to_an_older_one_of_the_same_instance_that_still_runs)
+{
+    const Server older;
+    const Proxy proxy = find_proxy();
+    proxy->stamp(1, 1);
+    auto newer = std::make_unique<Server>();
+    ASSERT_TRUE(runs_become(proxy, 0)); // the newer one's
+
+    newer.reset();
+
+    EXPECT_TRUE(runs_become(proxy, 1));
 }
 
 TEST_F(DeadServer, does_not_hold_up_calls_to_another_instance)

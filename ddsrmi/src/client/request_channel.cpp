@@ -2,7 +2,6 @@
 #include "client/request_channel.h"
 
 #include <algorithm>
-#include <future>
 #include <utility>
 
 #include "client/destroy_together.h"
@@ -283,7 +282,7 @@ void RequestChannel::connect(const Announcement& server)
 void RequestChannel::promote(const Link& link)
 {
     m_patience = first_patience;
-    m_watch.forget_predecessors(link->server());
+    m_watch.set_predecessors_aside(link->server());
     {
         const std::lock_guard lock(m_mutex);
         m_current = link;

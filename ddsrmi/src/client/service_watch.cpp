@@ -26,7 +26,10 @@ void ServiceWatch::refresh()
     dds_subscription_matched_status_t ignored{};
     dds_get_subscription_matched_status(m_reader.get(), &ignored);
     take_announcements();
-    forget_the_gone();
+    forget_the_gone(m_live);
+    forget_the_gone(m_set_aside);
+    if (m_live.empty())
+        m_live.swap(m_set_aside);
 }
 
 const Announcement* ServiceWatch::find(const std::string& path) const
@@ -68,12 +71,16 @@ const Announcement* ServiceWatch::next_in_turn(const std::string& path, const st
     return newest;
 }
 
-void ServiceWatch::forget_predecessors(const Announcement& server)
+void ServiceWatch::set_predecessors_aside(const Announcement& server)
 {
     const auto found = std::find_if(m_live.begin(), m_live.end(),
                                     [&](const Announcement& one) { return one.path == server.path; });
-    const auto precedes = [&](const Announcement& one) { return one.instance == server.instance; };
-    m_live.erase(std::remove_if(m_live.begin(), found, precedes), found);
+    if (found == m_live.end())
+        return;
+    const auto first = std::stable_partition(
+        m_live.begin(), found, [&](const Announcement& one) { return one.instance != server.instance; });
+    m_set_aside.insert(m_set_aside.end(), first, found);
+    m_live.erase(first, found);
 }
 
 void ServiceWatch::take_announcements()
@@ -98,12 +105,13 @@ void ServiceWatch::admit(const void* sample, const dds_sample_info_t& info)
         m_live.push_back({announced.server_class, announced.server_instance, *path, info.publication_handle});
 }
 
-void ServiceWatch::forget_the_gone()
+void ServiceWatch::forget_the_gone(std::vector<Announcement>& announcements) const
 {
     const auto gone = [this](const Announcement& one) {
         return matched_writer(m_reader.get(), one.publication) == nullptr;
     };
-    m_live.erase(std::remove_if(m_live.begin(), m_live.end(), gone), m_live.end());
+    announcements.erase(std::remove_if(announcements.begin(), announcements.end(), gone),
+                        announcements.end());
 }
 
 } // namespace org::opensplice::DDS_RMI

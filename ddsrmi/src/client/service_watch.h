@@ -44,13 +44,13 @@ public:
     /// `excluded`.
     const Announcement* next_in_turn(const std::string& path, const std::string& excluded) const;
 
-    /// To be called when a server has been reached: those of the same instance that came before it are dead,
-    /// even if that has not shown yet.
-    void forget_predecessors(const Announcement& server);
+    /// To be called when a server has been reached: those of the same instance that came before it are most
+    /// likely dead, even if that has not shown yet. They are live() again only once nothing else is.
+    void set_predecessors_aside(const Announcement& server);
 
 private:
     void take_announcements();
-    void forget_the_gone();
+    void forget_the_gone(std::vector<Announcement>& announcements) const;
     void admit(const void* sample, const dds_sample_info_t& info);
 
     std::string m_service;
@@ -58,6 +58,7 @@ private:
     Entity m_topic;
     Entity m_reader;
     std::vector<Announcement> m_live;
+    std::vector<Announcement> m_set_aside;
 };
 
 } // namespace org::opensplice::DDS_RMI

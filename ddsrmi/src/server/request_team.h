@@ -40,8 +40,8 @@ public:
 
     std::size_t size() const { return m_threads.size(); }
 
-    /// Where arrivals are waited for, of readers that have its listener; actions that run there take all that
-    /// is there and hand it to arrived().
+    /// Where arrivals are waited for, of readers that have been made with an arrival flag of its; actions
+    /// that run there take all that is there and hand it to arrived().
     EventLoop& arrivals();
     void arrived(Job job);
 
