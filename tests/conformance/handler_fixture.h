@@ -42,9 +42,7 @@ inline std::string instance_for(unsigned seed)
 /// otherwise.
 class LookupTest : public testing::Test
 {
-protected:
-    static constexpr unsigned seed = 20231;
-
+public:
     LookupTest()
     {
         rmi_layer() = RmiLayer();
@@ -59,6 +57,9 @@ protected:
         rmi_layer() = RmiLayer();
         free_arrays_left();
     }
+
+protected:
+    static constexpr unsigned seed = 20231;
 
     /// What happens while `action` runs.
     template <class Action>

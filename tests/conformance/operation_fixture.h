@@ -29,10 +29,11 @@ struct Outcome
 /// copies that are left are freed, when it ends.
 class OperationTest : public testing::Test
 {
-protected:
+public:
     OperationTest();
     ~OperationTest() override;
 
+protected:
     /// Calls the operation with the request that this JSON text says.
     Outcome call(const std::string& name, const std::string& request);
     /// The same with a value for each of its parameters.

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <ctime>
 #include <future>
 #include <iostream>
@@ -98,6 +99,7 @@ int run_flood(const Options& options)
 {
     const Proxy proxy = find_proxy(options);
     std::vector<std::future<StreamResult>> results;
+    results.reserve(static_cast<std::size_t>(options.threads));
     for (DDS::Long thread = 0; thread < options.threads; ++thread)
         results.push_back(std::async(std::launch::async, flood, options, proxy, thread));
     bool good = true;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstddef>
 #include <list>
 #include <memory>
 
@@ -79,14 +80,14 @@ DDS::Long note_three(const Proxy& proxy, const std::shared_ptr<Tally>& tally, DD
 TEST_F(FirstCall, and_those_after_it_are_run_in_the_order_in_which_they_were_made)
 {
     constexpr int rounds = 10;
-    constexpr int triples = 20;
+    constexpr std::size_t triples = 20;
     const Server server({"--threads", "ST"});
 
     DDS::Long number = 0;
     for (int round = 0; round < rounds; ++round) {
         const Proxy proxy = find_proxy();
         const auto tally = std::make_shared<Tally>();
-        for (int i = 0; i < triples; ++i)
+        for (std::size_t i = 0; i < triples; ++i)
             number = note_three(proxy, tally, number);
         EXPECT_TRUE(tally->wait_for_replies(3 * triples));
         EXPECT_EQ(tally->wrong(), 0U);

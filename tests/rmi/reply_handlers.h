@@ -13,6 +13,7 @@ namespace drill {
 
 namespace rmi = org::opensplice::DDS_RMI;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a class's name cannot be in parentheses.
 /// Reports its reply and its end to a tally; `then`, if any, is run in the reply hook after that.
 /// (The operation's name is a part of those of its classes and functions.)
 #define DRILL_HANDLER(Name, operation, Value)                                                                \
@@ -45,6 +46,7 @@ DRILL_HANDLER(NoteRedHandler, note_red, DDS::Long);
 DRILL_HANDLER(NoteGreenHandler, note_green, DDS::Long);
 DRILL_HANDLER(NoteBlueHandler, note_blue, DDS::Long);
 #undef DRILL_HANDLER
+// NOLINTEND(bugprone-macro-parentheses)
 
 /// Does not look at the text that comes back.
 class EchoTextHandler : public DDS_RMI::Drill::Range_echo_text_Reply_Handler
