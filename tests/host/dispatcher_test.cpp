@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "dispatcher.h"
+#include "jsonrpc/dispatcher.h"
 
 #include <ddsrmi.h>
 #include <gmock/gmock.h>

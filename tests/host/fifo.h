@@ -9,7 +9,7 @@
 #include <string>
 #include <system_error>
 
-#include "file_descriptor.h"
+#include "system/file_descriptor.h"
 #include "temporary_folder.h"
 
 namespace host_test {

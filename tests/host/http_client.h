@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "file_descriptor.h"
+#include "system/file_descriptor.h"
 
 namespace host_test {
 

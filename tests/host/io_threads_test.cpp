@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "io_threads.h"
+#include "http/io_threads.h"
 
 namespace {
 

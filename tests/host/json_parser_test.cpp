@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "json_parser.h"
+#include "json/json_parser.h"
 
 #include <gmock/gmock.h>
 

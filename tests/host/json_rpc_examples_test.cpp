@@ -6,8 +6,8 @@
 #include <ostream>
 #include <string>
 
-#include "dispatcher.h"
 #include "json_matchers.h"
+#include "jsonrpc/dispatcher.h"
 #include "method_stubs.h"
 
 namespace {

@@ -9,7 +9,7 @@
 
 #include "fifo.h"
 #include "json_matchers.h"
-#include "open_files.h"
+#include "process/open_files.h"
 #include "zorbd_process.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "method_directory.h"
+#include "plugins/method_directory.h"
 #include "zeb/api/CallbackMethod.h"
 
 namespace host_test {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "options.h"
+#include "process/options.h"
 
 #include <gmock/gmock.h>
 

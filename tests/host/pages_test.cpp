@@ -10,7 +10,7 @@
 #include <sstream>
 #include <string>
 
-#include "options.h"
+#include "process/options.h"
 
 namespace {
 

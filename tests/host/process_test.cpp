@@ -11,8 +11,8 @@
 #include <string>
 
 #include "fifo.h"
-#include "file_descriptor.h"
 #include "json_matchers.h"
+#include "system/file_descriptor.h"
 #include "temporary_folder.h"
 #include "zorbd_process.h"
 

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "dispatcher.h"
-#include "json_parser.h"
+#include "jsonrpc/dispatcher.h"
 #include "method_table.h"
+#include "json/json_parser.h"
 
 namespace {
 

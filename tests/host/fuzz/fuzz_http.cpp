@@ -14,9 +14,9 @@
 #include <string>
 #include <thread>
 
-#include "file_descriptor.h"
-#include "http_server.h"
+#include "http/http_server.h"
 #include "method_table.h"
+#include "system/file_descriptor.h"
 #include "temporary_folder.h"
 
 namespace {

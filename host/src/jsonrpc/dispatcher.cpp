@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "jsonrpc/dispatcher.h"
+
+#include "json/json_parser.h"
+
+namespace zorbd {
+namespace {
+
+std::string response(const CallOutcome& outcome, const std::string& id)
+{
+    if (const auto* error = std::get_if<RpcError>(&outcome))
+        return error_response(*error, id);
+    return result_response(std::get<std::string>(outcome), id);
+}
+
+RpcError unknown_method(const std::string& name, bool may_still_come)
+{
+    if (may_still_come)
+        return {RpcErrorCode::service_not_available,
+                name + ": a plug-in still waits for its service, and its methods are not known until then"};
+    return {RpcErrorCode::method_not_found, name};
+}
+
+} // namespace
+
+Dispatcher::Dispatcher(const MethodDirectory& methods, DispatchLimits limits)
+    : m_methods(methods), m_limits(limits)
+{
+}
+
+std::optional<std::string> Dispatcher::answer(const std::string& body) const
+{
+    try {
+        const JsonValue value = parse_json(body, m_limits.max_depth);
+        return answer_value(value.get());
+    } catch (const JsonSyntaxError& error) {
+        return error_response({RpcErrorCode::parse_error, error.what()});
+    }
+}
+
+std::optional<std::string> Dispatcher::answer_value(json_object* value) const
+{
+    if (json_object_is_type(value, json_type_array))
+        return answer_batch(value);
+    return answer_single(value);
+}
+
+std::optional<std::string> Dispatcher::answer_batch(json_object* batch) const
+{
+    const std::size_t length = json_object_array_length(batch);
+    if (length == 0)
+        return error_response({RpcErrorCode::invalid_request, "a batch must not be empty"});
+    if (length > static_cast<std::size_t>(m_limits.max_batch))
+        return error_response({RpcErrorCode::invalid_request, "a batch of " + std::to_string(length) +
+                                                                  " requests is longer than the limit of " +
+                                                                  std::to_string(m_limits.max_batch)});
+    std::string responses;
+    for (std::size_t i = 0; i < length; ++i)
+        if (const auto one = answer_single(json_object_array_get_idx(batch, i)))
+            responses += (responses.empty() ? '[' : ',') + *one;
+    if (responses.empty())
+        return std::nullopt;
+    return responses + ']';
+}
+
+std::optional<std::string> Dispatcher::answer_single(json_object* value) const
+{
+    const auto read = read_request(value);
+    if (const auto* invalid = std::get_if<InvalidRequest>(&read))
+        return error_response({RpcErrorCode::invalid_request, invalid->cause}, invalid->id);
+    const auto& request = std::get<RpcRequest>(read);
+    const CallOutcome outcome = run(request, value);
+    if (!request.id)
+        return std::nullopt;
+    return response(outcome, *request.id);
+}
+
+CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value) const
+{
+    if (request.method == "rpc.discover")
+        return *m_methods.discovery_document();
+    const MethodLookup found = m_methods.find(request.method);
+    if (found.method == nullptr)
+        return unknown_method(request.method, found.may_still_come);
+    return call_method(*found.method, request.method, value);
+}
+
+} // namespace zorbd

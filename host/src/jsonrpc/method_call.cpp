@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "jsonrpc/method_call.h"
+
+#include <ddsrmi.h>
+
+#include <new>
+#include <stdexcept>
+
+#include "zeb/api/CallbackMethod.h"
+
+namespace zorbd {
+namespace {
+
+namespace rmi = org::opensplice::DDS_RMI;
+using zeb::api::data::KX_JSON;
+
+/// The method's response object to write into. A real object from the start, for plug-ins that use json-c on
+/// it.
+KX_JSON empty_object()
+{
+    const JsonValue object(json_object_new_object());
+    if (object == nullptr)
+        throw std::bad_alloc();
+    return KX_JSON(object.get());
+}
+
+std::string run(zeb::api::CallbackMethod& method, json_object* request)
+{
+    const KX_JSON in(request);
+    KX_JSON out = empty_object();
+    const int returned = method.Call(in, out);
+    return out.has_key("result") ? json_text(member(out.get(), "result")) : std::to_string(returned);
+}
+
+} // namespace
+
+CallOutcome call_method(zeb::api::CallbackMethod& method, const std::string& name, json_object* request)
+{
+    const auto failed = [&name](RpcErrorCode code, const char* cause) {
+        return RpcError{code, name + ": " + cause};
+    };
+    try {
+        return run(method, request);
+    } catch (const std::invalid_argument& error) {
+        return failed(RpcErrorCode::invalid_params, error.what());
+    } catch (const std::out_of_range& error) {
+        return failed(RpcErrorCode::invalid_params, error.what());
+    } catch (const rmi::SERVICE_NOT_FOUND& error) {
+        return failed(RpcErrorCode::remote_service_not_found, error.what());
+    } catch (const rmi::TIMEOUT& error) {
+        return failed(RpcErrorCode::remote_timeout, error.what());
+    } catch (const std::exception& error) {
+        return failed(RpcErrorCode::internal_error, error.what());
+    } catch (...) {
+        return failed(RpcErrorCode::internal_error, "the method threw something that is no std::exception");
+    }
+}
+
+} // namespace zorbd

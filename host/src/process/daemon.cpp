@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "process/daemon.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+#include "plugins/health_report.h"
+
+namespace zorbd {
+namespace {
+
+/// The origins that a page of this server itself would have.
+std::vector<std::string> own_origins(const TcpAddress& address)
+{
+    std::vector<std::string> origins = {"http://" + to_text(address)};
+    if (is_loopback(address))
+        origins.push_back("http://localhost:" + std::to_string(address.port));
+    return origins;
+}
+
+/// More than one, so that a second processor does not idle when all calls are quick: those run on a server's
+/// own thread.
+unsigned servers_per_listener()
+{
+    constexpr unsigned most = 4;
+    return std::clamp(std::thread::hardware_concurrency(), 1U, most);
+}
+
+std::optional<BearerToken> read_token(const std::optional<std::string>& file)
+{
+    if (!file)
+        return std::nullopt;
+    return BearerToken::from_file(*file);
+}
+
+} // namespace
+
+Daemon::Daemon(const Options& options)
+    : m_plugins(options.plugins, options.binding_pauses), m_dispatcher(m_plugins, options.dispatch),
+      m_connections(options.connections), m_workers(options.threads, options.max_outstanding)
+{
+    if (options.tcp)
+        m_tcp.emplace(*options.tcp);
+    if (options.unix_socket)
+        m_unix.emplace(*options.unix_socket, options.unix_access);
+    std::optional<BearerToken> token = read_token(options.token_file);
+    m_plugins.start();
+    if (m_tcp)
+        serve(m_tcp->fd(), {std::move(token), own_origins(m_tcp->address()), options.max_body});
+    if (m_unix) // its file mode says who may use it, so it asks for no token
+        serve(m_unix->fd(), {std::nullopt, {}, options.max_body});
+}
+
+void Daemon::serve(int socket, const AccessRules& rules)
+{
+    const HttpServices services{m_dispatcher, m_workers, m_connections,
+                                [this] { return report_health(m_plugins); }};
+    for (unsigned i = 0; i < servers_per_listener(); ++i)
+        m_servers.push_back(std::make_unique<HttpServer>(socket, RequestGate(rules), services));
+}
+
+std::string Daemon::where() const
+{
+    std::string text;
+    if (m_tcp)
+        text = "http://" + to_text(m_tcp->address()) + '/';
+    if (m_unix)
+        text += (text.empty() ? "unix:" : " and unix:") + m_unix->path();
+    return text;
+}
+
+void Daemon::refuse_calls()
+{
+    for (const auto& server : m_servers)
+        server->quiesce();
+    m_connections.close();
+    m_plugins.stop_binding();
+}
+
+bool Daemon::finish(std::chrono::steady_clock::time_point deadline)
+{
+    // A call outlives its connection when the client leaves.
+    if (!m_connections.wait_none(ConnectionPhase::working, deadline) || !m_workers.wait_idle(deadline) ||
+        !m_plugins.wait_binding_over(deadline))
+        return false;
+    m_connections.wait_none(ConnectionPhase::sending, deadline); // a client that does not read is simply cut
+    return true;
+}
+
+} // namespace zorbd

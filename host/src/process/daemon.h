@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_DAEMON_H
+#define ZORBD_DAEMON_H
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "http/http_server.h"
+#include "http/listen_socket.h"
+#include "http/worker_pool.h"
+#include "jsonrpc/dispatcher.h"
+#include "plugins/plugin_set.h"
+#include "process/options.h"
+
+namespace zorbd {
+
+/// All parts of the host, put together. The members stand in the order in which they start; they end in
+/// reverse.
+class Daemon
+{
+public:
+    /// Loads the plug-ins, opens the sockets, starts to bind and to serve. Throws what any of them throws.
+    explicit Daemon(const Options& options);
+
+    /// Where it serves, for people.
+    std::string where() const;
+
+    /// Takes no further connections and calls, and makes no further attempt to bind. Does not wait.
+    void refuse_calls();
+
+    /// After refuse_calls(): waits for the calls that run and for their responses to be sent. False when a
+    /// call, or a plug-in's factory, was still running at the deadline: the object must not be destroyed
+    /// then.
+    bool finish(std::chrono::steady_clock::time_point deadline);
+
+private:
+    void serve(int socket, const AccessRules& rules);
+
+    PluginSet m_plugins;
+    std::optional<TcpListener> m_tcp;
+    std::optional<UnixListener> m_unix;
+    Dispatcher m_dispatcher;
+    ConnectionRegistry m_connections;
+    WorkerPool m_workers;
+    std::vector<std::unique_ptr<HttpServer>> m_servers;
+};
+
+} // namespace zorbd
+
+#endif

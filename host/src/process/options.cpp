@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "process/options.h"
+
+#include <grp.h>
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+
+#include "process/exit_code.h"
+#include "system/duration_text.h"
+#include "system/message_log.h"
+#include "system/version.h"
+
+namespace zorbd {
+namespace {
+
+constexpr std::uint16_t default_port = 8080;
+
+constexpr const char* purpose = "Loads plug-ins and serves their methods as JSON-RPC 2.0 over HTTP.\n"
+                                "Calls are POSTed to /, GET /healthz tells which plug-ins are bound, and the "
+                                "method rpc.discover answers an\n"
+                                "OpenRPC document of all methods.";
+
+constexpr const char* footer = "Exit codes: 0 stopped in order (SIGTERM, SIGINT, SIGHUP), 1 could not start, "
+                               "2 wrong option or configuration,\n"
+                               "3 stopped while a call or a plug-in's factory was still running. A second "
+                               "signal ends the process at once.";
+
+/// Turns what a reader of texts throws into a mistake of that option.
+template <class Read>
+auto option_with(const char* name, Read read)
+{
+    return [name, read](const std::string& text) {
+        try {
+            read(text);
+        } catch (const std::invalid_argument& error) {
+            throw CLI::ValidationError(name, error.what());
+        }
+    };
+}
+
+mode_t parse_mode(const std::string& text)
+{
+    mode_t mode = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), mode, 8);
+    if (text.empty() || read.ec != std::errc() || read.ptr != text.data() + text.size() || mode > 0777)
+        throw std::invalid_argument("'" + text + "' is no octal file mode such as 0660");
+    return mode;
+}
+
+gid_t parse_group(const std::string& name)
+{
+    if (const group* found = getgrnam(name.c_str()))
+        return found->gr_gid;
+    throw std::invalid_argument("there is no group '" + name + "'");
+}
+
+template <class Number>
+CLI::Range between(Number low, Number high)
+{
+    std::ostringstream range;
+    range << low << ".." << high;
+    CLI::Range check(low, high);
+    check.description(range.str());
+    return check;
+}
+
+template <class Number>
+void add_number(CLI::App& app, const char* name, Number& target, Number low, Number high, const char* help)
+{
+    app.add_option(name, target, help)->type_name("NUMBER")->check(between(low, high))->capture_default_str();
+}
+
+/// An option in seconds, which may have a fraction.
+void add_seconds(CLI::App& app, const char* name, std::chrono::milliseconds& target, double low, double high,
+                 const char* help)
+{
+    const auto set = [&target](double seconds) {
+        target =
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+    };
+    app.add_option_function<double>(name, set, help)
+        ->type_name("SECONDS")
+        ->check(between(low, high))
+        ->default_str(seconds_text(target));
+}
+
+void add_listeners(CLI::App& app, Options& options)
+{
+    app.add_option_function<std::string>(
+           "--listen",
+           option_with("--listen",
+                       [&options](const std::string& text) { options.tcp = parse_tcp_address(text); }),
+           "TCP address to serve on; port 0 takes a free one. An address other than loopback needs "
+           "--token-file. "
+           "127.0.0.1:8080 when neither this nor --unix-socket is given")
+        ->type_name("ADDRESS:PORT");
+    app.add_option("--unix-socket", options.unix_socket, "Path of a Unix socket to serve on")
+        ->type_name("PATH");
+    app.add_option_function<std::string>(
+           "--unix-mode",
+           option_with("--unix-mode",
+                       [&options](const std::string& text) { options.unix_access.mode = parse_mode(text); }),
+           "File mode of the Unix socket: who may write to it may call")
+        ->type_name("OCTAL")
+        ->default_str("0660");
+    app.add_option_function<std::string>("--unix-group",
+                                         option_with("--unix-group",
+                                                     [&options](const std::string& text) {
+                                                         options.unix_access.group = parse_group(text);
+                                                     }),
+                                         "Group of the Unix socket")
+        ->type_name("NAME");
+    app.add_option("--token-file", options.token_file,
+                   "File with the bearer token that every request over TCP must show; not readable by others")
+        ->type_name("FILE");
+}
+
+void add_limits(CLI::App& app, Options& options)
+{
+    using Size = std::size_t;
+    add_number<Size>(app, "--threads", options.threads, 1, 256,
+                     "Threads for calls that take long; quick ones run where they are read");
+    add_number<Size>(app, "--max-outstanding", options.max_outstanding, 1, 100000,
+                     "Requests that wait or run; a further one is told that the server is busy");
+    add_number<Size>(app, "--max-body", options.max_body, 64, 1U << 30U, "Bytes in the body of a request");
+    add_number(app, "--max-depth", options.dispatch.max_depth, 2, 1000,
+               "Nesting of arrays and objects in a request");
+    add_number(app, "--max-batch", options.dispatch.max_batch, 1, 100000, "Requests in a batch");
+    add_number<Size>(app, "--max-connections", options.connections.total, 1, 65536,
+                     "Client connections in all");
+    add_number<Size>(app, "--max-connections-per-address", options.connections.per_address, 1, 65536,
+                     "Client connections from one address");
+    add_seconds(app, "--idle-timeout", options.connections.idle, 0.1, 86400,
+                "How long a connection may stay without a request");
+    add_seconds(app, "--request-timeout", options.connections.request, 0.1, 3600,
+                "How long a request may take to come in whole, and its response to be taken");
+}
+
+void add_plugins(CLI::App& app, Options& options)
+{
+    app.add_option("--plugin", options.plugins, "Plug-in to load; may be given several times")
+        ->type_name("FILE")
+        ->required()
+        ->allow_extra_args(false);
+    add_number(app, "--discovery-timeout", options.discovery_timeout, -1, 3600,
+               "Seconds for which a plug-in looks for its remote service before it counts as not bound; -1 "
+               "for ever");
+    add_seconds(app, "--retry-pause", options.binding_pauses.first, 0.01, 3600,
+                "Pause before an unbound plug-in is tried again; doubles each time");
+    add_seconds(app, "--retry-pause-max", options.binding_pauses.longest, 0.01, 3600, "Longest such pause");
+    add_seconds(app, "--stop-timeout", options.stop_timeout, 0, 3600,
+                "How long a stop waits for running calls and factories");
+}
+
+void check_together(Options& options)
+{
+    if (!options.tcp && !options.unix_socket)
+        options.tcp = TcpAddress{"127.0.0.1", default_port};
+    if (options.tcp && !is_loopback(*options.tcp) && !options.token_file)
+        throw CLI::ValidationError("--listen",
+                                   to_text(*options.tcp) +
+                                       " can be reached from other machines; give --token-file too, or "
+                                       "a loopback address");
+    if (options.binding_pauses.longest < options.binding_pauses.first)
+        throw CLI::ValidationError("--retry-pause-max", "must not be shorter than --retry-pause");
+}
+
+int end_early(const CLI::App& app, const CLI::ParseError& end, std::ostream& output)
+{
+    if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        app.exit(end, output, output);
+        return exit_stopped;
+    }
+    log_message(std::string(end.what()) + " (zorbd --help tells the options)");
+    return exit_usage;
+}
+
+} // namespace
+
+std::variant<Options, int> read_options(int argc, const char* const* argv, std::ostream& output)
+{
+    Options options;
+    CLI::App app(purpose, "zorbd");
+    app.footer(footer);
+    app.set_version_flag("--version", std::string("zorbd ") + version);
+    app.set_config("--config", "", "Configuration file with the long option names as keys")
+        ->type_name("FILE");
+    app.allow_config_extras(CLI::config_extras_mode::error);
+    add_plugins(app, options);
+    add_listeners(app, options);
+    add_limits(app, options);
+    try {
+        app.parse(argc, argv);
+        check_together(options);
+        return options;
+    } catch (const CLI::ParseError& end) {
+        return end_early(app, end, output);
+    }
+}
+
+} // namespace zorbd
