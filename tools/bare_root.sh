@@ -8,10 +8,10 @@ source tools/packages.sh
 source tools/sysroot.sh
 source tools/loopback_domain.sh
 
-# in_bare_root <folder> <command...>: the folder is copied to /work there, which is where the command runs; the system
-# is gone afterwards. Root, or a user who may make user namespaces.
+# in_bare_root <folder> <command...>: the folder is copied into the root there, under its own name, and the command runs
+# in it; the system is gone afterwards. Root, or a user who may make user namespaces.
 in_bare_root() {
-    local folder=$1 domain sources command
+    local folder=$1 copy=/${1##*/} domain sources command
     shift
     # shellcheck disable=SC2154 # from sysroot.sh
     sources=$(debian_sources) || { complain "apt has no source for $debian_release" && return 1; }
@@ -19,8 +19,8 @@ in_bare_root() {
     reserve_domain || return 1
     printf -v command '%q ' env DEBIAN_FRONTEND=noninteractive VARNEL_DDS_DOMAIN="$domain" "$@"
     # shellcheck disable=SC2016 # mmdebstrap's own shell replaces them
-    mmdebstrap --quiet --variant=apt --customize-hook='mkdir "$1/work"' \
-        --customize-hook="sync-in $(printf %q "$folder") /work" \
-        --customize-hook="chroot \"\$1\" sh -c $(printf %q "cd /work && exec $command")" \
+    mmdebstrap --quiet --variant=apt --customize-hook="mkdir \"\$1\"$(printf %q "$copy")" \
+        --customize-hook="sync-in $(printf %q "$folder") $(printf %q "$copy")" \
+        --customize-hook="chroot \"\$1\" sh -c $(printf %q "cd $(printf %q "$copy") && exec $command")" \
         "$debian_release" /dev/null - <<<"$sources"
 }
