@@ -29,6 +29,15 @@ public:
     /// Lets whoever opens it for reading go on. Does not wait, and holds for whoever comes later too.
     void release() { m_opened.reset(open(path().c_str(), O_RDWR | O_CLOEXEC)); }
 
+    /// Fills it, so that whoever writes to it stands still.
+    void fill()
+    {
+        release();
+        const zorbd::FileDescriptor writer(open(path().c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+        while (write(writer.get(), "filled\n", 7) > 0) {
+        }
+    }
+
 private:
     test_support::TemporaryFolder m_folder;
     zorbd::FileDescriptor m_opened;

@@ -48,8 +48,8 @@ public:
     {
         const auto found = m_methods.find(name);
         if (found == m_methods.end())
-            return {nullptr, may_still_come};
-        return {found->second.get(), false};
+            return {nullptr, nullptr, may_still_come};
+        return {found->second.get(), &m_plugin, false};
     }
 
     std::shared_ptr<const std::string> discovery_document() const override
@@ -61,6 +61,7 @@ public:
 
 private:
     std::map<std::string, std::unique_ptr<FunctionMethod>> m_methods;
+    const std::string m_plugin = "stub.so";
 };
 
 } // namespace host_test

@@ -264,7 +264,8 @@ TEST(plugins, are_all_reported_by_the_health_page)
         return R"({"status":")" + status + R"(","plugins":[{"file":")" + plugin("late_service") +
                R"(","bound":)" + (late_bound ? R"(true,"methods":2)" : R"(false,"methods":0)") +
                R"(},{"file":")" + plugin("served_methods") + R"(","bound":true,"methods":)" +
-               std::to_string(served) + "}]}";
+               std::to_string(served) +
+               R"(}],"streams":[{"name":"stdout","dropped":0},{"name":"stderr","dropped":0}]})";
     };
 
     const auto waiting = ask(zorbd.port(), get("/healthz"));

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "child_process.h"
+#include "emulator.h"
 #include "http_client.h"
 
 namespace host_test {
@@ -26,6 +27,17 @@ inline test_support::ChildProcess start_zorbd(const Options& options,
     Options command = {ZORBD};
     command.insert(command.end(), options.begin(), options.end());
     return test_support::ChildProcess(command, environment);
+}
+
+/// The same behind a shell, which redirects its standard streams: "2>/dev/full".
+inline test_support::ChildProcess start_redirected_zorbd(const std::string& redirection,
+                                                         const Options& options)
+{
+    Options command = {ZORBD};
+    command.insert(command.end(), options.begin(), options.end());
+    command = test_support::under_emulator(command);
+    command.insert(command.begin(), {"/bin/sh", "-c", "exec \"$@\" " + redirection, "sh"});
+    return test_support::ChildProcess(command);
 }
 
 /// A request with an id, as text.

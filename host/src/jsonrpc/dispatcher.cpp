@@ -2,6 +2,7 @@
 #include "jsonrpc/dispatcher.h"
 
 #include "json/json_parser.h"
+#include "plugins/running_plugin.h"
 
 namespace zorbd {
 namespace {
@@ -82,6 +83,7 @@ CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value) const
     const MethodLookup found = m_methods.find(request.method);
     if (found.method == nullptr)
         return unknown_method(request.method, found.may_still_come);
+    const RunningPlugin running(*found.plugin);
     return call_method(*found.method, request.method, value);
 }
 

@@ -15,6 +15,8 @@ struct MethodLookup
 {
     /// Null when there is no such method now. It can be called until the directory's plug-ins are released.
     zeb::api::CallbackMethod* method = nullptr;
+    /// The file of the plug-in that offers it; lives as long as the directory.
+    const std::string* plugin = nullptr;
     /// Whether a plug-in that might offer the name is still waiting for its service.
     bool may_still_come = false;
 };

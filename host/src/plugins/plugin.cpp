@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "plugins/running_plugin.h"
 #include "system/duration_text.h"
 #include "system/message_log.h"
 
@@ -57,6 +58,7 @@ void Plugin::run()
     m_changed.notify_all();
     m_changed.wait(lock, [this] { return m_wanted == Wanted::nothing; });
     lock.unlock();
+    const RunningPlugin running(file());
     m_handler.reset();
 }
 
@@ -75,6 +77,7 @@ void Plugin::bind()
 /// Why it could not be bound; nothing when it is bound now.
 std::optional<std::string> Plugin::try_to_bind()
 {
+    const RunningPlugin running(file());
     try {
         std::unique_ptr<zeb::api::KX_RPCHandler> handler = m_library.make_handler();
         if (!handler->isBound())

@@ -68,8 +68,8 @@ MethodLookup PluginSet::find(const std::string& name) const
     const Table& now = table();
     const auto found = now.methods.find(name);
     if (found == now.methods.end())
-        return {nullptr, !now.all_bound};
-    return {found->second.method, false};
+        return {nullptr, nullptr, !now.all_bound};
+    return {found->second.method, &m_plugins[found->second.plugin]->file(), false};
 }
 
 std::shared_ptr<const std::string> PluginSet::discovery_document() const

@@ -37,7 +37,8 @@ std::optional<BearerToken> read_token(const std::optional<std::string>& file)
 } // namespace
 
 Daemon::Daemon(const Options& options)
-    : m_plugins(options.plugins, options.binding_pauses), m_dispatcher(m_plugins, options.dispatch),
+    : m_feed(options.events), m_streams(m_feed, options.plugins.size() == 1 ? options.plugins.front() : ""),
+      m_plugins(options.plugins, options.binding_pauses), m_dispatcher(m_plugins, options.dispatch),
       m_connections(options.connections), m_workers(options.threads, options.max_outstanding)
 {
     if (options.tcp)
@@ -55,7 +56,7 @@ Daemon::Daemon(const Options& options)
 void Daemon::serve(int socket, const AccessRules& rules)
 {
     const HttpServices services{m_dispatcher, m_workers, m_connections,
-                                [this] { return report_health(m_plugins); }};
+                                [this] { return report_health(m_plugins, m_streams.health()); }};
     for (unsigned i = 0; i < servers_per_listener(); ++i)
         m_servers.push_back(std::make_unique<HttpServer>(socket, RequestGate(rules), services));
 }
@@ -75,6 +76,7 @@ void Daemon::refuse_calls()
     for (const auto& server : m_servers)
         server->quiesce();
     m_connections.close();
+    m_feed.close();
     m_plugins.stop_binding();
 }
 

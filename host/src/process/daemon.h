@@ -8,12 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "events/event_feed.h"
 #include "http/http_server.h"
 #include "http/listen_socket.h"
 #include "http/worker_pool.h"
 #include "jsonrpc/dispatcher.h"
 #include "plugins/plugin_set.h"
 #include "process/options.h"
+#include "process/standard_streams.h"
 
 namespace zorbd {
 
@@ -36,9 +38,14 @@ public:
     /// then.
     bool finish(std::chrono::steady_clock::time_point deadline);
 
+    /// Waits until what was written to the standard streams has left the process, as long as it is read.
+    void flush_streams() const { m_streams.flush(); }
+
 private:
     void serve(int socket, const AccessRules& rules);
 
+    EventFeed m_feed;
+    StandardStreams m_streams;
     PluginSet m_plugins;
     std::optional<TcpListener> m_tcp;
     std::optional<UnixListener> m_unix;

@@ -15,6 +15,7 @@
 #include "process/open_files.h"
 #include "process/options.h"
 #include "process/service_manager.h"
+#include "process/standard_streams.h"
 #include "process/stop_signals.h"
 #include "system/message_log.h"
 #include "system/version.h"
@@ -57,9 +58,10 @@ void announce_stop(int signal)
 }
 
 /// A call that will not end still uses its plug-in, so nothing can be taken down in order any more.
-[[noreturn]] void stop_out_of_order()
+[[noreturn]] void stop_out_of_order(const Daemon& daemon)
 {
     log_message("a call or a plug-in's factory did not end in time; it is cut off (--stop-timeout)");
+    daemon.flush_streams();
     _exit(exit_not_in_order);
 }
 
@@ -73,7 +75,7 @@ int serve_until_stopped(const Options& options)
     daemon.refuse_calls();
     announce_stop(signal);
     if (!daemon.finish(std::chrono::steady_clock::now() + options.stop_timeout))
-        stop_out_of_order();
+        stop_out_of_order(daemon);
     return exit_stopped;
 }
 
@@ -81,6 +83,7 @@ int serve_until_stopped(const Options& options)
 
 int main(int argc, char** argv)
 {
+    zorbd::hold_closed_standard_streams();
     try {
         const auto read = zorbd::read_options(argc, argv, std::cout);
         if (const int* code = std::get_if<int>(&read))

@@ -12,6 +12,7 @@
 #include <variant>
 #include <vector>
 
+#include "events/event_feed.h"
 #include "http/connection_registry.h"
 #include "http/listen_socket.h"
 #include "jsonrpc/dispatcher.h"
@@ -33,6 +34,8 @@ struct Options
     std::size_t max_body = 1U << 20U;
     DispatchLimits dispatch;
     ConnectionLimits connections;
+
+    EventLimits events;
 
     int discovery_timeout = 10; ///< seconds; -1 for ever
     BindingPauses binding_pauses;

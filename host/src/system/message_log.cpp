@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "system/message_log.h"
 
-#include <unistd.h>
-
 #include <algorithm>
+#include <iostream>
 
 namespace zorbd {
 
@@ -22,8 +21,7 @@ void log_message(const std::string& text) noexcept
         std::string line = "zorbd: " + text;
         std::replace_if(line.begin(), line.end(), is_control, ' '); // what a plug-in throws stays on its line
         line += '\n';
-        // Where standard error cannot take it there is no one left to tell.
-        [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+        std::cerr << line;
     } catch (...) { // NOLINT(bugprone-empty-catch): a lost line must not end the thread that wrote it
     }
 }

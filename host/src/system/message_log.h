@@ -6,7 +6,7 @@
 
 namespace zorbd {
 
-/// Writes one line, "zorbd: " and the text, to standard error in one piece. Any thread may call it.
+/// Writes one line, "zorbd: " and the text, to std::cerr in one piece. Any thread may call it.
 void log_message(const std::string& text) noexcept;
 
 } // namespace zorbd
