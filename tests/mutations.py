@@ -632,11 +632,11 @@ MUTATIONS = [
                  '    }')),
     Mutation("method-copies-the-request", METHOD,
              '{ return (m_owner->*m_method)(in, out); }',
-             '{ return (m_owner->*m_method)(in.deep_copy(), out); }'),
+             '{ return (m_owner->*m_method)(data::KX_JSON(in), out); }'),
     Mutation("method-makes-a-description", METHOD,
-             'return m_description.deep_copy();',
+             'return m_description;',
              (
-                 'data::KX_JSON copy = m_description.deep_copy();\n'
+                 'data::KX_JSON copy(m_description);\n'
                  '        copy.set_json_string("name", m_name);\n'
                  '        return copy;')),
     Mutation("method-slots-exchanged", METHOD_BASE,

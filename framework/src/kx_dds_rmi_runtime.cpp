@@ -2,8 +2,6 @@
 #include "zeb/api/mdw/KX_DDS_RMI_RUNTIME.h"
 
 #include <atomic>
-#include <exception>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 
@@ -11,28 +9,25 @@ namespace zeb {
 namespace api {
 namespace mdw {
 
+using org::opensplice::DDS_RMI::CRuntime;
+using org::opensplice::DDS_RMI::CRuntime_ref;
+
 namespace {
 
 std::atomic<int> discovery_timeout_seconds{10};
 
+/// A hold on the runtime that is never started, so it can be stopped at any time. It is made when the library
+/// is loaded, because there may be no memory for one when it is needed; and never destroyed, because the last
+/// holder may go after the library's statics.
+const CRuntime_ref& idle_hold = *new CRuntime_ref(CRuntime::getDefaultRuntime());
+
 } // namespace
-
-KX_DDS_RMI_RUNTIME::KX_DDS_RMI_RUNTIME() = default;
-
-KX_DDS_RMI_RUNTIME::~KX_DDS_RMI_RUNTIME()
-{
-    try {
-        m_runtime->stop(); // harmless when it has been stopped: stops are counted for each hold
-    } catch (const std::exception& error) {
-        std::cerr << "KX_DDS_RMI_RUNTIME: the DDS RMI runtime could not be stopped: " << error.what()
-                  << std::endl;
-    }
-}
 
 void KX_DDS_RMI_RUNTIME::startRUNTIME(bool severalThreads)
 {
     // First of all, because the destructor calls through the handle whatever happens from here on.
-    m_runtime = org::opensplice::DDS_RMI::CRuntime::getDefaultRuntime();
+    m_runtime = idle_hold;
+    m_runtime = CRuntime::getDefaultRuntime();
 
     const std::string threading = std::string("--RMIClientThreadingModel=") + (severalThreads ? "MT" : "ST");
     const std::string timeout =

@@ -276,6 +276,19 @@ TEST_P(OtherFailure, leaves_the_constructor_without_a_word_and_lets_the_runtime_
     EXPECT_EQ(objects_left(), 0U);
 }
 
+TEST_F(ProxyHolder, bears_that_the_runtime_cannot_even_be_obtained)
+{
+    throw_at("obtain", [] { throw std::bad_alloc(); });
+
+    const Events events = making_a_holder();
+
+    EXPECT_EQ(m_thrown, "std::bad_alloc: std::bad_alloc");
+    EXPECT_THAT(only({"output", "runtime"}, events),
+                ElementsAre("output: KX_DDS_RMI_PROXY construct\n", "runtime: startRUNTIME(true)",
+                            "runtime: obtain", "runtime: stop"));
+    EXPECT_EQ(objects_left(), 0U);
+}
+
 TEST_P(OtherFailure, that_is_no_error_of_the_RMI_layer_passes_as_well)
 {
     throw_at(GetParam(), [] { throw std::runtime_error("broken"); });

@@ -45,7 +45,7 @@ void put_description(json_object* object, json_object* description)
 std::string describe_method(const std::string& name, const zeb::api::CallbackMethod& method)
 {
     const JsonValue object = default_method_object();
-    const zeb::api::data::KX_JSON description = method.GetDescription();
+    const zeb::api::data::KX_JSON description = method.GetDescription().deep_copy();
     put_description(object.get(), description.get());
     put_member(object.get(), "name", json_string(name));
     return json_text(object.get());

@@ -13,7 +13,8 @@ namespace zorbd {
 
 /// The OpenRPC method object of `method`, as JSON text. A description that is a string becomes its
 /// "description"; the members of one that is an object stand in the method object as they are. Lets through
-/// what the method throws.
+/// what the method throws. To be called on the thread that made the method: until the description has been
+/// copied it shares the method's own objects, whose references are counted for one thread only.
 std::string describe_method(const std::string& name, const zeb::api::CallbackMethod& method);
 
 /// The OpenRPC document of methods that have been described, in that order.

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -33,11 +34,11 @@ struct Symbol
     std::string name;
 };
 
-/// The rows of the library's table of dynamic symbols.
-std::vector<Symbol> dynamic_symbols()
+/// The rows of a library's table of dynamic symbols.
+std::vector<Symbol> dynamic_symbols(const std::string& library)
 {
     std::vector<Symbol> symbols;
-    std::istringstream lines(run({"readelf", "--dyn-syms", "--wide", PLUGIN}));
+    std::istringstream lines(run({"readelf", "--dyn-syms", "--wide", library}));
     for (std::string line; std::getline(lines, line);) {
         std::istringstream row(line);
         std::string number, value, size, type, visibility;
@@ -59,11 +60,21 @@ std::string without_version(const std::string& name)
     return name.substr(0, name.find('@'));
 }
 
-/// What the library uses and must get from elsewhere.
+/// What a library offers to others.
+std::vector<std::string> exported_symbols(const std::string& library)
+{
+    std::vector<std::string> names;
+    for (const Symbol& symbol : dynamic_symbols(library))
+        if (!is_undefined(symbol) && symbol.binding != "LOCAL" && symbol.section != "Ndx")
+            names.push_back(symbol.name);
+    return names;
+}
+
+/// What the plug-in uses and must get from elsewhere.
 std::vector<std::string> needed_symbols()
 {
     std::vector<std::string> names;
-    for (const Symbol& symbol : dynamic_symbols())
+    for (const Symbol& symbol : dynamic_symbols(PLUGIN))
         if (is_undefined(symbol) && symbol.binding == "GLOBAL")
             names.push_back(without_version(symbol.name));
     return names;
@@ -93,12 +104,7 @@ bool is_run_time_of_the_compiler(const std::string& library)
 
 TEST(ExportedSurface, is_the_factory_alone)
 {
-    std::vector<std::string> exported;
-    for (const Symbol& symbol : dynamic_symbols())
-        if (!is_undefined(symbol) && symbol.binding != "LOCAL" && symbol.section != "Ndx")
-            exported.push_back(symbol.name);
-
-    EXPECT_THAT(exported, ElementsAre("RPCHandler"));
+    EXPECT_THAT(exported_symbols(PLUGIN), ElementsAre("RPCHandler"));
 }
 
 TEST(ExportedSurface, rests_on_the_framework_the_interface_library_and_the_RMI_layer_only)
@@ -137,6 +143,23 @@ TEST(ExportedSurface, needs_nothing_that_those_libraries_do_not_give)
 
     EXPECT_THAT(needed, Contains("os_strcpy"));
     EXPECT_THAT(missing, IsEmpty());
+}
+
+TEST(ExportedSurface, needs_no_more_of_the_framework_than_every_host_s_library_has)
+{
+    const std::vector<std::string> framework = exported_symbols(FRAMEWORK);
+    const std::vector<std::string> least = exported_symbols(LEAST_FRAMEWORK);
+    const auto has = [](const std::vector<std::string>& names, const std::string& name) {
+        return std::find(names.begin(), names.end(), name) != names.end();
+    };
+
+    std::vector<std::string> beyond;
+    for (const std::string& name : needed_symbols())
+        if (has(framework, name) && !has(least, name))
+            beyond.push_back(name);
+
+    EXPECT_THAT(least, Contains("_ZN3zeb3api13KX_RPCHandler9AddMethodEPNS0_14CallbackMethodE"));
+    EXPECT_THAT(beyond, IsEmpty());
 }
 
 TEST(ExportedSurface, uses_no_file_environment_thread_or_setting_of_the_system_log)

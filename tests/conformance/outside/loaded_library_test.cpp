@@ -15,7 +15,6 @@ using conformance::Host;
 using conformance::Server;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
 using testing::StartsWith;
 
 const std::string lines_of_bound_handler = "VarnelInterface constructor\n"
@@ -157,6 +156,21 @@ TEST_F(LoadedLibrary, gives_two_handlers_that_work_side_by_side)
 
     const std::string output = host.output_at_end();
     EXPECT_EQ(numbers(output).size(), 2U);
+}
+
+TEST_F(LoadedLibrary, lets_a_lack_of_memory_reach_the_host_wherever_the_first_construction_meets_it)
+{
+    constexpr int fewest_allocations = 1 + 14; // the handler and its methods
+    Server server;
+    Host host;
+
+    int failing = 1;
+    std::string outcome;
+    while ((outcome = host.run("make_without " + std::to_string(failing))) == "std::bad_alloc")
+        ++failing;
+
+    EXPECT_EQ(outcome, "made") << "when allocation " << failing << " failed";
+    EXPECT_GT(failing, fewest_allocations);
 }
 
 TEST_F(LoadedLibrary, offers_its_methods_in_order_without_descriptions)

@@ -6,6 +6,7 @@
 //   timeout <seconds>                  how long lookups wait for the service
 //   load <file>                        load the library
 //   make                               ask its factory for one more handler
+//   make_without <n>                   do so in a process of its own, in which the nth allocation fails
 //   bound <handler>                    isBound()
 //   methods <handler>                  the methods' names, in order
 //   call <handler> <method> <request>  run a method
@@ -14,7 +15,9 @@
 //   arrays                             how many arrays are allocated in the process
 
 #include <dlfcn.h>
+#include <sys/wait.h>
 #include <syslog.h>
+#include <unistd.h>
 
 #include <json-c/json_object.h>
 #include <json-c/json_tokener.h>
@@ -44,20 +47,49 @@ namespace {
 
 std::atomic<long> arrays_allocated{0};
 
+/// Which of this thread's allocations from now on fails (1 is the next); 0 when none does.
+thread_local unsigned long allocations_to_failure = 0;
+
+void* allocate(std::size_t size)
+{
+    if (allocations_to_failure != 0 && --allocations_to_failure == 0)
+        throw std::bad_alloc();
+    void* const address = std::malloc(size == 0 ? 1 : size);
+    if (address == nullptr)
+        throw std::bad_alloc();
+    return address;
+}
+
+/// Allocates nothing, as the C library's own syslog.
 void print_message(int priority, const char* format, va_list arguments)
 {
     std::array<char, 1024> text{};
+    std::array<char, 1100> line{};
     std::vsnprintf(text.data(), text.size(), format, arguments);
-    std::cerr << "syslog " + std::to_string(priority) + ' ' + text.data() + '\n' << std::flush;
+    std::snprintf(line.data(), line.size(), "syslog %d %s\n", priority, text.data());
+    std::cerr << line.data() << std::flush;
 }
 
 } // namespace
 
+void* operator new(std::size_t size)
+{
+    return allocate(size);
+}
+
+void operator delete(void* address) noexcept
+{
+    std::free(address);
+}
+
+void operator delete(void* address, std::size_t) noexcept
+{
+    std::free(address);
+}
+
 void* operator new[](std::size_t size)
 {
-    void* const address = std::malloc(size == 0 ? 1 : size);
-    if (address == nullptr)
-        throw std::bad_alloc();
+    void* const address = allocate(size);
     ++arrays_allocated;
     return address;
 }
@@ -109,6 +141,25 @@ KX_JSON parsed(const std::string& text)
     return KX_JSON(object.get());
 }
 
+using Factory = KX_RPCHandler* (*)();
+
+const std::map<int, std::string> outcomes = {
+    {0, "made"}, {1, "std::bad_alloc"}, {2, "made, and the failure not noticed"}, {3, "another exception"}};
+
+/// Makes a handler while the given allocation fails; gives the number of the outcome.
+int make_without(unsigned long allocation, Factory factory)
+{
+    try {
+        allocations_to_failure = allocation;
+        factory();
+        return allocations_to_failure == 0 ? 2 : 0;
+    } catch (const std::bad_alloc&) {
+        return 1;
+    } catch (...) {
+        return 3;
+    }
+}
+
 class Host
 {
 public:
@@ -121,7 +172,6 @@ public:
     }
 
 private:
-    using Factory = KX_RPCHandler* (*)();
     using Action = std::string (*)(Host&, std::istream&);
 
     std::string set_timeout(std::istream& words)
@@ -140,13 +190,32 @@ private:
         return m_library == nullptr ? dlerror() : "loaded";
     }
 
+    Factory factory() const
+    {
+        const auto found = reinterpret_cast<Factory>(dlsym(m_library, "RPCHandler"));
+        if (found == nullptr)
+            throw std::runtime_error("no factory");
+        return found;
+    }
+
     std::string make()
     {
-        const auto factory = reinterpret_cast<Factory>(dlsym(m_library, "RPCHandler"));
-        if (factory == nullptr)
-            return "no factory";
-        m_handlers.emplace_back(factory());
+        m_handlers.emplace_back(factory()());
         return m_handlers.back() == nullptr ? "null" : "made " + std::to_string(m_handlers.size() - 1);
+    }
+
+    std::string make_first_without(std::istream& words) const
+    {
+        unsigned long allocation = 0;
+        words >> allocation;
+        const pid_t child = fork();
+        if (child == 0)
+            _exit(make_without(allocation, factory()));
+        int status = 0;
+        if (child < 0 || waitpid(child, &status, 0) != child)
+            throw std::runtime_error("cannot make a process");
+        return WIFEXITED(status) ? outcomes.at(WEXITSTATUS(status))
+                                 : "signal " + std::to_string(WTERMSIG(status));
     }
 
     std::unique_ptr<KX_RPCHandler>& handler(std::istream& words)
@@ -192,6 +261,7 @@ private:
         {"timeout", [](Host& host, std::istream& words) { return host.set_timeout(words); }},
         {"load", [](Host& host, std::istream& words) { return host.load(words); }},
         {"make", [](Host& host, std::istream&) { return host.make(); }},
+        {"make_without", [](Host& host, std::istream& words) { return host.make_first_without(words); }},
         {"bound", [](Host& host, std::istream& words) { return host.bound(words); }},
         {"methods", [](Host& host, std::istream& words) { return host.methods(words); }},
         {"call", [](Host& host, std::istream& words) { return host.call(words); }},

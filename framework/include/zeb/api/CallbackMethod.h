@@ -12,7 +12,7 @@ namespace api {
 /// One JSON-RPC method, as the host sees it. A plug-in makes method objects (usually RpcMethod) with `new`
 /// and hands them to KX_RPCHandler::AddMethod, which owns them from then on.
 ///
-/// The host may call every operation from any of its threads, and from several at once.
+/// The host may call Call and GetName from any of its threads, and from several at once.
 class CallbackMethod
 {
 public:
@@ -26,7 +26,8 @@ public:
     /// The JSON-RPC method name.
     virtual std::string GetName() const = 0;
 
-    /// A JSON description of the method; holds no object where there is none.
+    /// A JSON description of the method; holds no object where there is none. The host asks for it on the
+    /// thread that made the handler, before any method is called, and keeps nothing of what it gets.
     virtual data::KX_JSON GetDescription() const = 0;
 };
 

@@ -13,7 +13,8 @@ namespace api {
 /// A JSON-RPC method that is a member function of an object of type T.
 ///
 /// The owner is not owned: it must live for as long as the method may be called. The method object has no
-/// mutable state, so concurrent calls are as safe as the member function is.
+/// mutable state, so concurrent calls are as safe as the member function is. Only the description's copies
+/// belong to one thread at a time, because they share one counted object.
 template <class T>
 class RpcMethod : public CallbackMethod
 {
@@ -29,8 +30,7 @@ public:
 
     std::string GetName() const override { return m_name; }
 
-    /// A copy with objects of its own, because counted references to shared ones belong to one thread.
-    data::KX_JSON GetDescription() const override { return m_description.deep_copy(); }
+    data::KX_JSON GetDescription() const override { return m_description; }
 
 private:
     T* m_owner;

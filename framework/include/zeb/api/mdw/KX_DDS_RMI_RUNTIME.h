@@ -13,16 +13,16 @@ namespace mdw {
 class KX_DDS_RMI_RUNTIME
 {
 public:
-    KX_DDS_RMI_RUNTIME();
+    KX_DDS_RMI_RUNTIME() : m_runtime() {}
     /// Ends this holder's use of the runtime, which goes on for its other users. startRUNTIME must have been
-    /// called.
-    ~KX_DDS_RMI_RUNTIME();
+    /// called, even if it threw.
+    ~KX_DDS_RMI_RUNTIME() { m_runtime->stop(); }
     KX_DDS_RMI_RUNTIME(const KX_DDS_RMI_RUNTIME&) = delete;
     KX_DDS_RMI_RUNTIME& operator=(const KX_DDS_RMI_RUNTIME&) = delete;
 
     /// Starts the default runtime and holds a reference to it afterwards, also when it could not be started
-    /// (it then is not usable). With `severalThreads`, proxies found through it may be called from several
-    /// threads. To be called once.
+    /// (it then is not usable) and when something is thrown. With `severalThreads`, proxies found through it
+    /// may be called from several threads. To be called once.
     void startRUNTIME(bool severalThreads);
 
     /// Ends this holder's use of the runtime, but keeps the reference. Doing it twice is harmless.
