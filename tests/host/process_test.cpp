@@ -299,7 +299,7 @@ TEST(plugins, are_described_by_rpc_discover)
 TEST(plugins, are_asked_for_descriptions_on_the_thread_that_made_their_methods)
 {
     ZorbdProcess zorbd({"--plugin", plugin("described_method")});
-    ASSERT_TRUE(zorbd.wait_for_error_line("described_method.so is bound"));
+    ASSERT_TRUE(zorbd.says("described_method.so is bound"));
 
     EXPECT_THAT(ask(zorbd.port(), post(call("rpc.discover"))).body,
                 HasSubstr(R"("summary":"asked for where it was made")"));
