@@ -110,6 +110,16 @@ HttpResponse HttpConnection::receive()
     return response;
 }
 
+std::string HttpConnection::receive_until(const std::string& end)
+{
+    std::size_t found = 0;
+    while ((found = m_received.find(end)) == std::string::npos)
+        receive_more();
+    const std::string text = m_received.substr(0, found + end.size());
+    m_received.erase(0, text.size());
+    return text;
+}
+
 void HttpConnection::wait_closed()
 {
     try {

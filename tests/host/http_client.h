@@ -28,6 +28,8 @@ public:
 
     void send(const std::string& bytes) const;
     HttpResponse receive();
+    /// Everything that comes up to `end`, with it.
+    std::string receive_until(const std::string& end);
     /// Waits for the server to close the connection.
     void wait_closed();
     /// Waits for the same without taking anything in.

@@ -135,7 +135,7 @@ TEST(http, answers_many_clients_at_once_each_with_its_own_id)
 
 TEST(http, tells_a_client_that_uses_another_method_or_path)
 {
-    const ZorbdProcess zorbd;
+    const ZorbdProcess zorbd({"--no-console"});
 
     const HttpResponse gotten = ask(zorbd.port(), get("/"));
 

@@ -32,7 +32,8 @@ std::string address_key(const sockaddr* address)
 /// Ends a connection. The socket cannot have been closed yet: its owner removes the connection first.
 void cut(int socket, ConnectionPhase phase)
 {
-    if (phase == ConnectionPhase::sending) { // the kernel would keep what the client does not take
+    if (phase == ConnectionPhase::sending ||
+        phase == ConnectionPhase::listening) { // the kernel would keep what the client does not take
         const linger discard{1, 0};
         setsockopt(socket, SOL_SOCKET, SO_LINGER, &discard, sizeof discard);
     }
@@ -80,6 +81,12 @@ bool ConnectionRegistry::has_room(const sockaddr* address)
         return false;
     const auto counted = m_per_address.find(key);
     return key.empty() || counted == m_per_address.end() || counted->second < m_limits.per_address;
+}
+
+std::size_t ConnectionRegistry::count()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_connections.size();
 }
 
 ConnectionRegistry::Connection& ConnectionRegistry::add(int socket, const sockaddr* address)
@@ -147,6 +154,8 @@ ConnectionRegistry::Clock::time_point ConnectionRegistry::deadline_of(Connection
         return Clock::now() + m_limits.idle;
     case ConnectionPhase::working:
         return Clock::time_point::max(); // a call takes as long as it takes
+    case ConnectionPhase::listening:
+        return Clock::now() + m_limits.listening;
     default:
         return Clock::now() + m_limits.request;
     }
@@ -168,7 +177,7 @@ void ConnectionRegistry::watch()
 ConnectionRegistry::Clock::time_point ConnectionRegistry::cut_overdue()
 {
     const Clock::time_point now = Clock::now();
-    Clock::time_point next = now + std::min(m_limits.idle, m_limits.request);
+    Clock::time_point next = now + std::min({m_limits.idle, m_limits.request, m_limits.listening});
     for (Connection& connection : m_connections) {
         if (connection.is_cut)
             continue;

@@ -25,10 +25,12 @@ struct ConnectionLimits
     std::chrono::milliseconds idle{60000};
     /// How long a request may take to come in whole, and its response to be taken.
     std::chrono::milliseconds request{30000};
+    /// How long a client that takes events may go without taking any. It is sent something more often.
+    std::chrono::milliseconds listening{45000};
 };
 
 /// What a connection does at present.
-enum class ConnectionPhase { idle, receiving, working, sending };
+enum class ConnectionPhase { idle, receiving, working, sending, listening };
 
 /// All client connections of all listeners: how many there may be, and how long each phase may last. A
 /// connection that takes too long is shut down by a thread of the registry, and its owner then sees its end.
@@ -50,6 +52,9 @@ public:
 
     /// Whether a client of that address may connect now.
     bool has_room(const sockaddr* address);
+
+    /// How many there are now.
+    std::size_t count();
 
     /// Takes a connection in, idle. `socket` must stay open until it is removed.
     Connection& add(int socket, const sockaddr* address);

@@ -4,19 +4,15 @@
 #include <microhttpd.h>
 
 #include <memory>
-#include <new>
-#include <stdexcept>
 #include <utility>
+
+#include "http/console_page.h"
+#include "http/event_stream.h"
+#include "http/mhd_response.h"
+#include "http/peer_text.h"
 
 namespace zorbd {
 namespace {
-
-struct ResponseRelease
-{
-    void operator()(MHD_Response* response) const noexcept { MHD_destroy_response(response); }
-};
-
-using Response = std::unique_ptr<MHD_Response, ResponseRelease>;
 
 /// The header that a status calls for, besides the usual ones.
 void add_status_header(MHD_Response* response, unsigned int status)
@@ -27,21 +23,30 @@ void add_status_header(MHD_Response* response, unsigned int status)
         MHD_add_response_header(response, MHD_HTTP_HEADER_RETRY_AFTER, "1");
 }
 
-Response make_response(std::string& body, unsigned int status)
+Response make_response(const std::string& body, unsigned int status, const char* content_type)
 {
-    Response response(MHD_create_response_from_buffer(body.size(), body.data(), MHD_RESPMEM_PERSISTENT));
-    if (response == nullptr)
-        throw std::bad_alloc();
+    Response response = response_of(body);
     if (!body.empty())
-        MHD_add_response_header(response.get(), MHD_HTTP_HEADER_CONTENT_TYPE, "application/json");
+        MHD_add_response_header(response.get(), MHD_HTTP_HEADER_CONTENT_TYPE, content_type);
     add_status_header(response.get(), status);
     return response;
 }
 
-void resume(IoThreads& threads, MHD_Connection& connection)
+/// Tells of the calls of one request.
+class ReportedCalls : public CallObserver
 {
-    threads.awaken([&connection] { MHD_resume_connection(&connection); });
-}
+public:
+    ReportedCalls(CallLog& log, std::string_view peer) : m_log(log), m_peer(peer) {}
+
+    void call_ended(const CallRecord& call) noexcept override
+    {
+        m_log.add({m_peer, call.method, call.id, call.duration, call.code});
+    }
+
+private:
+    CallLog& m_log;
+    const std::string_view m_peer;
+};
 
 } // namespace
 
@@ -57,8 +62,13 @@ void HttpExchange::begin(const RequestHead& head)
     const auto decision = m_gate.check(head);
     if (const auto* refusal = std::get_if<Refusal>(&decision))
         return refuse(*refusal);
-    if (std::get<Route>(decision) == Route::health)
-        m_stage = Stage::health_asked;
+    m_route = std::get<Route>(decision);
+    m_head_only = head.method == "HEAD";
+    m_console_file = find_console_file(head.path);
+    if (m_route != Route::json_rpc)
+        m_stage = Stage::page_asked;
+    else if (m_services.calls.needs_peer())
+        m_peer = peer_text(m_connection);
 }
 
 void HttpExchange::receive(const char* data, std::size_t size)
@@ -76,8 +86,8 @@ void HttpExchange::proceed()
         return submit();
     case Stage::submitted:
         return await_answer();
-    case Stage::health_asked:
-        return report_health();
+    case Stage::page_asked:
+        return answer_page();
     case Stage::too_large:
         return refuse(m_gate.body_too_large());
     }
@@ -110,7 +120,8 @@ void HttpExchange::run()
 {
     const auto begin = IoThreads::Clock::now();
     try {
-        m_answer = m_services.dispatcher.answer(m_body);
+        ReportedCalls reported(m_services.calls, m_peer);
+        m_answer = m_services.dispatcher.answer(m_body, &reported);
     } catch (const std::exception& error) {
         m_answer = error_response({RpcErrorCode::internal_error, error.what()});
     }
@@ -139,6 +150,33 @@ void HttpExchange::release(std::unique_ptr<HttpExchange> exchange)
         static_cast<void>(exchange.release()); // deliver() destroys it
 }
 
+void HttpExchange::answer_page()
+{
+    switch (m_route) {
+    case Route::events:
+        return answer_events();
+    case Route::metrics:
+        return respond(MHD_HTTP_OK, m_services.metrics_page(), nullptr, "text/plain; version=0.0.4");
+    case Route::console:
+        return answer_with_console(m_connection, *m_console_file);
+    default:
+        return report_health();
+    }
+}
+
+void HttpExchange::answer_events()
+{
+    const auto point = resume_point(m_connection);
+    if (const auto* refusal = std::get_if<Refusal>(&point))
+        return refuse(*refusal);
+    if (m_head_only)
+        return answer_with_event_head(m_connection);
+    if (const auto refusal =
+            answer_with_events(m_connection, m_services.events, std::get<std::optional<std::uint64_t>>(point),
+                               m_threads, m_services.connections, m_registered))
+        refuse(*refusal);
+}
+
 void HttpExchange::report_health()
 {
     HealthReport report = m_services.health();
@@ -147,11 +185,13 @@ void HttpExchange::report_health()
 
 void HttpExchange::refuse(const Refusal& refusal)
 {
+    m_services.metrics.count_refusal(refusal.status);
     respond(refusal.status, error_response({RpcErrorCode::refused, refusal.cause}), refusal.allowed_methods);
 }
 
 void HttpExchange::refuse_busy(const char* cause)
 {
+    m_services.metrics.count_refusal(MHD_HTTP_SERVICE_UNAVAILABLE);
     respond(MHD_HTTP_SERVICE_UNAVAILABLE, error_response({RpcErrorCode::busy, cause}));
 }
 
@@ -163,15 +203,15 @@ void HttpExchange::respond_with_answer()
         respond(MHD_HTTP_NO_CONTENT, {});
 }
 
-void HttpExchange::respond(unsigned int status, std::string body, const char* allowed_methods)
+void HttpExchange::respond(unsigned int status, std::string body, const char* allowed_methods,
+                           const char* content_type)
 {
     m_services.connections.enter(m_registered, ConnectionPhase::sending);
     m_response = std::move(body);
-    const Response response = make_response(m_response, status);
+    const Response response = make_response(m_response, status, content_type);
     if (allowed_methods != nullptr)
         MHD_add_response_header(response.get(), MHD_HTTP_HEADER_ALLOW, allowed_methods);
-    if (MHD_queue_response(&m_connection, status, response.get()) != MHD_YES)
-        throw std::runtime_error("the response cannot be queued");
+    queue_response(m_connection, status, response);
 }
 
 } // namespace zorbd

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "console/console_files.h"
 #include "http/http_server.h"
 
 struct MHD_Connection;
@@ -38,17 +39,20 @@ public:
     void deliver() override;
 
 private:
-    enum class Stage { receiving, health_asked, too_large, submitted };
+    enum class Stage { receiving, page_asked, too_large, submitted };
     /// Of the call; `waited_for` when the connection sleeps, `abandoned` when it has ended meanwhile.
     enum class Progress { running, waited_for, abandoned, done };
 
     void submit();
     void await_answer();
+    void answer_page();
+    void answer_events();
     void report_health();
     void refuse(const Refusal& refusal);
     void refuse_busy(const char* cause);
     void respond_with_answer();
-    void respond(unsigned int status, std::string body, const char* allowed_methods = nullptr);
+    void respond(unsigned int status, std::string body, const char* allowed_methods = nullptr,
+                 const char* content_type = "application/json");
 
     MHD_Connection& m_connection;
     ConnectionRegistry::Connection& m_registered;
@@ -57,6 +61,10 @@ private:
     IoThreads& m_threads;
     std::string m_body;
     Stage m_stage = Stage::receiving;
+    Route m_route = Route::json_rpc;
+    bool m_head_only = false;
+    const ConsoleFile* m_console_file = nullptr;
+    std::string m_peer; ///< where that is needed
     std::atomic<Progress> m_progress{Progress::done};
     std::optional<std::string> m_answer; ///< the call's until it is done
     std::string m_response;              ///< must stay as it is while it is sent

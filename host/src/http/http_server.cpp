@@ -75,6 +75,8 @@ struct HttpCallbacks
         ConnectionRegistry& connections = server(closure).m_services.connections;
         bool has_room = false;
         guarded([&] { has_room = connections.has_room(address); });
+        if (!has_room)
+            server(closure).m_services.metrics.count_turned_away();
         return has_room ? MHD_YES : MHD_NO;
     }
 

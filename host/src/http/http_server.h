@@ -6,6 +6,9 @@
 #include <memory>
 #include <optional>
 
+#include "events/call_log.h"
+#include "events/event_feed.h"
+#include "events/metrics.h"
 #include "http/connection_registry.h"
 #include "http/io_threads.h"
 #include "http/request_gate.h"
@@ -24,7 +27,11 @@ struct HttpServices
     const Dispatcher& dispatcher;
     WorkerPool& workers;
     ConnectionRegistry& connections;
+    EventFeed& events;
+    Metrics& metrics;
+    CallLog& calls;
     std::function<HealthReport()> health;
+    std::function<std::string()> metrics_page;
 };
 
 /// Serves HTTP on one listening socket. Its I/O threads handle all its connections and run quick calls;

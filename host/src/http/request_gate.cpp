@@ -5,13 +5,32 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <utility>
+
+#include "console/console_files.h"
 
 namespace zorbd {
 namespace {
 
 constexpr std::string_view call_path = "/";
-constexpr std::string_view health_path = "/healthz";
+
+/// What is read, not called.
+struct Page
+{
+    std::string_view path;
+    Route route;
+};
+
+constexpr Page pages[] = {
+    {"/healthz", Route::health}, {"/events", Route::events}, {"/metrics", Route::metrics}};
+
+const Page* find_page(std::string_view path)
+{
+    const auto* found = std::find_if(std::begin(pages), std::end(pages),
+                                     [path](const Page& page) { return page.path == path; });
+    return found == std::end(pages) ? nullptr : found;
+}
 
 bool equal_ignoring_case(std::string_view left, std::string_view right)
 {
@@ -44,12 +63,15 @@ RequestGate::RequestGate(AccessRules rules) : m_rules(std::move(rules)) {}
 
 std::variant<Route, Refusal> RequestGate::check(const RequestHead& head) const
 {
+    const bool is_read = head.method == "GET" || head.method == "HEAD";
+    if (m_rules.has_console && is_read && find_console_file(head.path) != nullptr)
+        return Route::console; // which asks for the token itself, and holds nothing secret
     if (const auto refusal = check_sender(head))
         return *refusal;
-    if (head.path == health_path) {
-        if (head.method == "GET" || head.method == "HEAD")
-            return Route::health;
-        return Refusal{405, "/healthz takes GET", "GET, HEAD"};
+    if (const Page* page = find_page(head.path)) {
+        if (is_read)
+            return page->route;
+        return Refusal{405, std::string(page->path) + " takes GET", "GET, HEAD"};
     }
     if (head.path == call_path)
         return check_call(head);
@@ -68,7 +90,7 @@ std::optional<Refusal> RequestGate::check_sender(const RequestHead& head) const
 std::variant<Route, Refusal> RequestGate::check_call(const RequestHead& head) const
 {
     if (head.method != "POST")
-        return Refusal{405, "calls are made with POST", "POST"};
+        return Refusal{405, "calls are made with POST", m_rules.has_console ? "GET, HEAD, POST" : "POST"};
     if (!is_json(head.content_type))
         return Refusal{415, "the Content-Type must be application/json", {}};
     if (head.content_length && is_longer(*head.content_length, m_rules.max_body))

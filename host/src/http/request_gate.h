@@ -25,7 +25,7 @@ struct RequestHead
 };
 
 /// Where an admitted request goes.
-enum class Route { json_rpc, health };
+enum class Route { json_rpc, health, events, metrics, console };
 
 /// Why a request is not admitted.
 struct Refusal
@@ -44,6 +44,7 @@ struct AccessRules
     /// The origins that the server's own pages would have; a request from a page of any other is refused.
     std::vector<std::string> own_origins;
     std::size_t max_body = 1U << 20U;
+    bool has_console = false;
 };
 
 /// Decides on a request by its head, before its body is taken in.

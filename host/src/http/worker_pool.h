@@ -48,6 +48,9 @@ public:
     /// Ends what was reserved and has been run elsewhere.
     void release();
 
+    /// What waits or runs now.
+    std::size_t outstanding() const { return m_outstanding; }
+
     /// Waits until nothing is outstanding; false when the deadline passes first.
     bool wait_idle(std::chrono::steady_clock::time_point deadline);
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jsonrpc/dispatcher.h"
 
-#include "json/json_parser.h"
 #include "plugins/running_plugin.h"
+#include "json/json_parser.h"
 
 namespace zorbd {
 namespace {
@@ -22,6 +22,20 @@ RpcError unknown_method(const std::string& name, bool may_still_come)
     return {RpcErrorCode::method_not_found, name};
 }
 
+/// The answer to a request that was not run, or of which there is nothing to run.
+std::string answer_unrun(CallObserver* observer, const RpcError& error, const std::string& id = "null")
+{
+    if (observer != nullptr)
+        observer->call_ended({{}, id, {}, static_cast<int>(error.code)});
+    return error_response(error, id);
+}
+
+int code_of(const CallOutcome& outcome)
+{
+    const auto* error = std::get_if<RpcError>(&outcome);
+    return error == nullptr ? 0 : static_cast<int>(error->code);
+}
+
 } // namespace
 
 Dispatcher::Dispatcher(const MethodDirectory& methods, DispatchLimits limits)
@@ -29,59 +43,67 @@ Dispatcher::Dispatcher(const MethodDirectory& methods, DispatchLimits limits)
 {
 }
 
-std::optional<std::string> Dispatcher::answer(const std::string& body) const
+std::optional<std::string> Dispatcher::answer(const std::string& body, CallObserver* observer) const
 {
     try {
         const JsonValue value = parse_json(body, m_limits.max_depth);
-        return answer_value(value.get());
+        return answer_value(value.get(), observer);
     } catch (const JsonSyntaxError& error) {
-        return error_response({RpcErrorCode::parse_error, error.what()});
+        return answer_unrun(observer, {RpcErrorCode::parse_error, error.what()});
     }
 }
 
-std::optional<std::string> Dispatcher::answer_value(json_object* value) const
+std::optional<std::string> Dispatcher::answer_value(json_object* value, CallObserver* observer) const
 {
     if (json_object_is_type(value, json_type_array))
-        return answer_batch(value);
-    return answer_single(value);
+        return answer_batch(value, observer);
+    return answer_single(value, observer);
 }
 
-std::optional<std::string> Dispatcher::answer_batch(json_object* batch) const
+std::optional<std::string> Dispatcher::answer_batch(json_object* batch, CallObserver* observer) const
 {
     const std::size_t length = json_object_array_length(batch);
     if (length == 0)
-        return error_response({RpcErrorCode::invalid_request, "a batch must not be empty"});
+        return answer_unrun(observer, {RpcErrorCode::invalid_request, "a batch must not be empty"});
     if (length > static_cast<std::size_t>(m_limits.max_batch))
-        return error_response({RpcErrorCode::invalid_request, "a batch of " + std::to_string(length) +
-                                                                  " requests is longer than the limit of " +
-                                                                  std::to_string(m_limits.max_batch)});
+        return answer_unrun(observer,
+                            {RpcErrorCode::invalid_request, "a batch of " + std::to_string(length) +
+                                                                " requests is longer than the limit of " +
+                                                                std::to_string(m_limits.max_batch)});
     std::string responses;
     for (std::size_t i = 0; i < length; ++i)
-        if (const auto one = answer_single(json_object_array_get_idx(batch, i)))
+        if (const auto one = answer_single(json_object_array_get_idx(batch, i), observer))
             responses += (responses.empty() ? '[' : ',') + *one;
     if (responses.empty())
         return std::nullopt;
     return responses + ']';
 }
 
-std::optional<std::string> Dispatcher::answer_single(json_object* value) const
+std::optional<std::string> Dispatcher::answer_single(json_object* value, CallObserver* observer) const
 {
     const auto read = read_request(value);
     if (const auto* invalid = std::get_if<InvalidRequest>(&read))
-        return error_response({RpcErrorCode::invalid_request, invalid->cause}, invalid->id);
+        return answer_unrun(observer, {RpcErrorCode::invalid_request, invalid->cause}, invalid->id);
     const auto& request = std::get<RpcRequest>(read);
-    const CallOutcome outcome = run(request, value);
+    const auto begin = std::chrono::steady_clock::now();
+    bool is_known = true;
+    const CallOutcome outcome = run(request, value, is_known);
+    if (observer != nullptr)
+        observer->call_ended({is_known ? request.method : std::string_view(),
+                              request.id ? *request.id : std::string_view(),
+                              std::chrono::steady_clock::now() - begin, code_of(outcome)});
     if (!request.id)
         return std::nullopt;
     return response(outcome, *request.id);
 }
 
-CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value) const
+CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, bool& is_known) const
 {
     if (request.method == "rpc.discover")
         return *m_methods.discovery_document();
     const MethodLookup found = m_methods.find(request.method);
-    if (found.method == nullptr)
+    is_known = found.method != nullptr;
+    if (!is_known)
         return unknown_method(request.method, found.may_still_come);
     const RunningPlugin running(*found.plugin);
     return call_method(*found.method, request.method, value);

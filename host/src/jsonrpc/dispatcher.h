@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "jsonrpc/call_observer.h"
 #include "jsonrpc/method_call.h"
 #include "jsonrpc/rpc_request.h"
 #include "plugins/method_directory.h"
@@ -26,15 +27,15 @@ public:
     Dispatcher(const MethodDirectory& methods, DispatchLimits limits);
 
     /// Runs the request, or the requests of the batch in their order, on the calling thread. Nothing when
-    /// there is nothing to answer (notifications only). Any number of threads may call it. Throws
-    /// std::bad_alloc only.
-    std::optional<std::string> answer(const std::string& body) const;
+    /// there is nothing to answer (notifications only). `observer`, if there is one, is told of each request
+    /// as it ends. Any number of threads may call it. Throws std::bad_alloc only.
+    std::optional<std::string> answer(const std::string& body, CallObserver* observer = nullptr) const;
 
 private:
-    std::optional<std::string> answer_value(json_object* value) const;
-    std::optional<std::string> answer_batch(json_object* batch) const;
-    std::optional<std::string> answer_single(json_object* value) const;
-    CallOutcome run(const RpcRequest& request, json_object* value) const;
+    std::optional<std::string> answer_value(json_object* value, CallObserver* observer) const;
+    std::optional<std::string> answer_batch(json_object* batch, CallObserver* observer) const;
+    std::optional<std::string> answer_single(json_object* value, CallObserver* observer) const;
+    CallOutcome run(const RpcRequest& request, json_object* value, bool& is_known) const;
 
     const MethodDirectory& m_methods;
     DispatchLimits m_limits;

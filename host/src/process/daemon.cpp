@@ -38,6 +38,7 @@ std::optional<BearerToken> read_token(const std::optional<std::string>& file)
 
 Daemon::Daemon(const Options& options)
     : m_feed(options.events), m_streams(m_feed, options.plugins.size() == 1 ? options.plugins.front() : ""),
+      m_access_log(options.access_log, m_streams.output()), m_calls(m_metrics, m_feed, m_access_log.lines()),
       m_plugins(options.plugins, options.binding_pauses), m_dispatcher(m_plugins, options.dispatch),
       m_connections(options.connections), m_workers(options.threads, options.max_outstanding)
 {
@@ -48,17 +49,41 @@ Daemon::Daemon(const Options& options)
     std::optional<BearerToken> token = read_token(options.token_file);
     m_plugins.start();
     if (m_tcp)
-        serve(m_tcp->fd(), {std::move(token), own_origins(m_tcp->address()), options.max_body});
+        serve(m_tcp->fd(),
+              {std::move(token), own_origins(m_tcp->address()), options.max_body, options.console});
     if (m_unix) // its file mode says who may use it, so it asks for no token
-        serve(m_unix->fd(), {std::nullopt, {}, options.max_body});
+        serve(m_unix->fd(), {std::nullopt, {}, options.max_body, options.console});
 }
 
 void Daemon::serve(int socket, const AccessRules& rules)
 {
-    const HttpServices services{m_dispatcher, m_workers, m_connections,
-                                [this] { return report_health(m_plugins, m_streams.health()); }};
+    const HttpServices services{m_dispatcher,
+                                m_workers,
+                                m_connections,
+                                m_feed,
+                                m_metrics,
+                                m_calls,
+                                [this] { return report_health(m_plugins, m_streams.health()); },
+                                [this] { return metrics_page(); }};
     for (unsigned i = 0; i < servers_per_listener(); ++i)
         m_servers.push_back(std::make_unique<HttpServer>(socket, RequestGate(rules), services));
+}
+
+std::string Daemon::metrics_page()
+{
+    MetricsText text;
+    m_metrics.write(text);
+    text.begin("zorbd_calls_outstanding", "gauge", "Requests that wait or run.");
+    text.add(static_cast<double>(m_workers.outstanding()));
+    text.begin("zorbd_connections", "gauge", "Client connections that are open.");
+    text.add(static_cast<double>(m_connections.count()));
+    text.begin("zorbd_listeners", "gauge", "Clients that take events.");
+    text.add(static_cast<double>(m_feed.listener_count()));
+    m_streams.write(text);
+    text.begin("zorbd_plugin_bound", "gauge", "Whether a plug-in is bound (1) or waits for its service (0).");
+    for (const PluginStatus& plugin : m_plugins.status())
+        text.add(plugin.bound ? 1 : 0, metrics_label("plugin", plugin.file));
+    return text.text();
 }
 
 std::string Daemon::where() const

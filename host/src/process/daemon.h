@@ -14,6 +14,7 @@
 #include "http/worker_pool.h"
 #include "jsonrpc/dispatcher.h"
 #include "plugins/plugin_set.h"
+#include "process/access_log.h"
 #include "process/options.h"
 #include "process/standard_streams.h"
 
@@ -42,10 +43,14 @@ public:
     void flush_streams() const { m_streams.flush(); }
 
 private:
+    std::string metrics_page();
     void serve(int socket, const AccessRules& rules);
 
     EventFeed m_feed;
     StandardStreams m_streams;
+    Metrics m_metrics;
+    AccessLog m_access_log;
+    CallLog m_calls;
     PluginSet m_plugins;
     std::optional<TcpListener> m_tcp;
     std::optional<UnixListener> m_unix;

@@ -140,6 +140,22 @@ void add_limits(CLI::App& app, Options& options)
                 "How long a request may take to come in whole, and its response to be taken");
 }
 
+void add_events(CLI::App& app, Options& options)
+{
+    using Size = std::size_t;
+    add_number<Size>(app, "--event-memory", options.events.memory, 65536, 1U << 30U,
+                     "Bytes of events that are kept for listeners that fall behind or come again");
+    add_number<Size>(app, "--max-listeners", options.events.listeners, 0, 65536,
+                     "Clients that take events from /events");
+    add_seconds(app, "--heartbeat", options.events.heartbeat, 0.1, 3600,
+                "Pause after which a listener is sent an empty comment");
+    app.add_option("--access-log", options.access_log,
+                   "File to which one JSON line is appended for each call; - for standard output")
+        ->type_name("FILE");
+    app.add_flag("--console,!--no-console", options.console, "Whether GET / answers a page for people")
+        ->default_str("true");
+}
+
 void add_plugins(CLI::App& app, Options& options)
 {
     app.add_option("--plugin", options.plugins, "Plug-in to load; may be given several times")
@@ -165,6 +181,7 @@ void check_together(Options& options)
                                    to_text(*options.tcp) +
                                        " can be reached from other machines; give --token-file too, or "
                                        "a loopback address");
+    options.connections.listening = options.events.heartbeat + options.connections.request;
     if (options.binding_pauses.longest < options.binding_pauses.first)
         throw CLI::ValidationError("--retry-pause-max", "must not be shorter than --retry-pause");
 }
@@ -193,6 +210,7 @@ std::variant<Options, int> read_options(int argc, const char* const* argv, std::
     add_plugins(app, options);
     add_listeners(app, options);
     add_limits(app, options);
+    add_events(app, options);
     try {
         app.parse(argc, argv);
         check_together(options);

@@ -36,6 +36,9 @@ struct Options
     ConnectionLimits connections;
 
     EventLimits events;
+    std::optional<std::string> access_log;
+    bool console = true;
+    bool check_params = true;
 
     int discovery_timeout = 10; ///< seconds; -1 for ever
     BindingPauses binding_pauses;

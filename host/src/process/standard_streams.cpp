@@ -59,6 +59,18 @@ std::vector<StreamHealth> StandardStreams::health() const
     return {health_of("stdout", *m_output), health_of("stderr", *m_errors)};
 }
 
+void StandardStreams::write(MetricsText& text) const
+{
+    const std::pair<const char*, LineWriterStatus> streams[] = {{"stdout", m_output->status()},
+                                                                {"stderr", m_errors->status()}};
+    text.begin("zorbd_lines_total", "counter", "Lines that were written, by stream.");
+    for (const auto& [name, status] : streams)
+        text.add(static_cast<double>(status.written), metrics_label("stream", name));
+    text.begin("zorbd_lines_dropped_total", "counter", "Lines that were dropped because nobody read them.");
+    for (const auto& [name, status] : streams)
+        text.add(static_cast<double>(status.dropped), metrics_label("stream", name));
+}
+
 void StandardStreams::flush() const
 {
     m_output->flush();

@@ -9,6 +9,7 @@
 #include "events/captured_stream.h"
 #include "events/event_feed.h"
 #include "events/line_writer.h"
+#include "events/metrics.h"
 #include "plugins/health_report.h"
 
 namespace zorbd {
@@ -27,6 +28,7 @@ public:
     StandardStreams& operator=(const StandardStreams&) = delete;
 
     std::vector<StreamHealth> health() const;
+    void write(MetricsText& text) const;
 
     /// Where lines to standard output go that are no events.
     const std::shared_ptr<LineWriter>& output() const { return m_output; }

@@ -70,10 +70,16 @@ private:
     const zorbd::Dispatcher m_dispatcher{m_methods, {16, 20}};
     zorbd::WorkerPool m_workers{1, 16};
     zorbd::ConnectionRegistry m_connections{{16, 16, request_time, request_time}};
-    zorbd::HttpServer m_server{
-        m_listener.get(), zorbd::RequestGate(rules()), {m_dispatcher, m_workers, m_connections, [] {
-                                                            return zorbd::HealthReport{true, "{}"};
-                                                        }}};
+    zorbd::EventFeed m_feed{{}};
+    zorbd::Metrics m_metrics;
+    zorbd::CallLog m_calls{m_metrics, m_feed, nullptr};
+    zorbd::HttpServer m_server{m_listener.get(),
+                               zorbd::RequestGate(rules()),
+                               {m_dispatcher, m_workers, m_connections, m_feed, m_metrics, m_calls,
+                                [] {
+                                    return zorbd::HealthReport{true, "{}"};
+                                },
+                                [] { return std::string("# nothing\n"); }}};
 };
 
 void send_all(const zorbd::FileDescriptor& client, const std::uint8_t* data, std::size_t size)

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZORBD_CONSOLE_FILES_H
+#define ZORBD_CONSOLE_FILES_H
+
+#include <string_view>
+
+namespace zorbd {
+
+/// A file of the console, as it stands in the program.
+struct ConsoleFile
+{
+    std::string_view path; ///< where it is served
+    const char* content_type;
+    std::string_view text;
+};
+
+/// Null when the console has no file at that path.
+const ConsoleFile* find_console_file(std::string_view path);
+
+} // namespace zorbd
+
+#endif

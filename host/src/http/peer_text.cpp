@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "http/peer_text.h"
+
+#include <arpa/inet.h>
+#include <microhttpd.h>
+#include <netinet/in.h>
+
+#include <array>
+
+namespace zorbd {
+
+std::string peer_text(MHD_Connection& connection)
+{
+    const sockaddr* address =
+        MHD_get_connection_info(&connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS)->client_addr;
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    if (address != nullptr && address->sa_family == AF_INET) {
+        const auto& in = *reinterpret_cast<const sockaddr_in*>(address);
+        inet_ntop(AF_INET, &in.sin_addr, text.data(), text.size());
+        return text.data() + (':' + std::to_string(ntohs(in.sin_port)));
+    }
+    if (address != nullptr && address->sa_family == AF_INET6) {
+        const auto& in6 = *reinterpret_cast<const sockaddr_in6*>(address);
+        inet_ntop(AF_INET6, &in6.sin6_addr, text.data(), text.size());
+        return std::string("[").append(text.data()).append("]:").append(std::to_string(ntohs(in6.sin6_port)));
+    }
+    return "unix";
+}
+
+} // namespace zorbd
