@@ -27,6 +27,9 @@ unsigned servers_per_listener()
     return std::clamp(std::thread::hardware_concurrency(), 1U, most);
 }
 
+/// How long a listener may take to see the end of its stream.
+constexpr std::chrono::milliseconds end_of_streams{500};
+
 std::optional<BearerToken> read_token(const std::optional<std::string>& file)
 {
     if (!file)
@@ -112,6 +115,8 @@ bool Daemon::finish(std::chrono::steady_clock::time_point deadline)
         !m_plugins.wait_binding_over(deadline))
         return false;
     m_connections.wait_none(ConnectionPhase::sending, deadline); // a client that does not read is simply cut
+    m_connections.wait_none(ConnectionPhase::listening,
+                            std::min(deadline, std::chrono::steady_clock::now() + end_of_streams));
     return true;
 }
 
