@@ -5,16 +5,22 @@
 #include "client/request_channel.h"
 #include "client/service_watch.h"
 #include "dds/event_loop.h"
+#include "dds/refused_peers.h"
 #include "ddsrmi/exceptions.h"
+#include "report.h"
 #include "runtime_core.h"
 
 namespace org::opensplice::DDS_RMI {
 
 namespace {
 
-SERVICE_NOT_FOUND not_found(const std::string& service)
+SERVICE_NOT_FOUND not_found(const Entity& participant, const std::string& service)
 {
-    return SERVICE_NOT_FOUND("service '" + service + "' was not found within the discovery time");
+    const std::string text = "service '" + service + "' was not found within the discovery time";
+    const std::string unheard = peers_not_heard(participant);
+    if (!unheard.empty())
+        report(text + unheard);
+    return SERVICE_NOT_FOUND(text + unheard);
 }
 
 // Waits until some server announces the service and gives the name of its interface.
@@ -26,7 +32,7 @@ std::string wait_for_announcement(const Entity& participant, ServiceWatch& watch
     while (watch.live().empty()) {
         const auto now = Clock::now();
         if (now >= deadline)
-            throw not_found(service);
+            throw not_found(participant, service);
         loop.dispatch(deadline - now);
     }
     return watch.live().back().server_class;
@@ -59,7 +65,7 @@ CInterfaceProxy_ref CInterfaceRegistry::resolve(const std::string& server_name, 
     const CInterfaceProxy_ref proxy(known->factory(ProxySeed{channel}));
     m_core->add(channel);
     if (!channel->wait_until_connected(deadline))
-        throw not_found(server_name);
+        throw not_found(*participant, server_name);
     return proxy;
 }
 

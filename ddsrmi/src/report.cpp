@@ -27,7 +27,7 @@ void report_current_exception(const std::string& where)
     }
 }
 
-void CountedReport::count(std::uint64_t events)
+void CountedReport::count(std::uint64_t events, const std::string& detail)
 {
     const auto now = std::chrono::steady_clock::now();
     std::uint64_t total = 0;
@@ -39,7 +39,7 @@ void CountedReport::count(std::uint64_t events)
         m_quiet_until = now + quiet_time;
         total = m_total;
     }
-    report(m_message + " (" + std::to_string(total) + " so far)");
+    report(m_message + (detail.empty() ? "" : ": " + detail) + " (" + std::to_string(total) + " so far)");
 }
 
 std::uint64_t CountedReport::total() const

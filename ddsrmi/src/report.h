@@ -25,7 +25,8 @@ public:
     CountedReport(const CountedReport&) = delete;
     CountedReport& operator=(const CountedReport&) = delete;
 
-    void count(std::uint64_t events = 1);
+    /// `detail` goes into the line when there is one.
+    void count(std::uint64_t events = 1, const std::string& detail = {});
     std::uint64_t total() const;
 
 private:

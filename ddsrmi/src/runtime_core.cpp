@@ -7,6 +7,7 @@
 
 #include "client/request_channel.h"
 #include "dds/lease.h"
+#include "dds/protection.h"
 #include "dds/undecodable_samples.h"
 #include "ddsrmi/exceptions.h"
 #include "report.h"
@@ -35,9 +36,10 @@ bool RuntimeCore::start(const RuntimeOptions& options, RuntimeHold& hold)
         try {
             m_participant = std::make_shared<Entity>(create_patient_participant(m_domain));
         } catch (const INTERNAL_ERROR& error) {
-            report(std::string(error.what()) + " (is CYCLONEDDS_URI right?)");
+            report(std::string(error.what()) + " (" + advice_for_configuration() + ")");
             return false;
         }
+        report_protection();
     }
     m_options = options;
     ++m_starts;

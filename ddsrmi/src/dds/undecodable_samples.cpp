@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string_view>
 
+#include "dds/refused_peers.h"
 #include "report.h"
 
 namespace org::opensplice::DDS_RMI {
@@ -34,7 +35,7 @@ void sort_out(void* /*argument*/, const dds_log_data_t* data)
     const std::string_view message(data->message - data->hdrsize, data->hdrsize + data->size + 1);
     if (is_of_undecodable_sample(message))
         undecodable().count();
-    else
+    else if (!take_refusal(message))
         std::fwrite(message.data(), 1, message.size(), stderr);
 }
 
