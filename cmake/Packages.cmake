@@ -2,6 +2,7 @@
 #   varnelrpc   the plug-in, and the libraries that it is built on
 #   zorbd       the host daemon, its systemd unit, manual page and configuration
 #   varnelde    the server with a simulated sensor network
+#   zorb-trust  the command that lets DDS peers in
 #   zorb-dev    headers, CMake package files and pkg-config, for plug-ins of one's own
 if(NOT RMI_PROVIDER STREQUAL "embedded")
     return()
@@ -19,7 +20,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_OUTPUT_FILE_PREFIX ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime zorbd varnelde development)
+set(CPACK_COMPONENTS_ALL runtime zorbd varnelde trust development)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 if(CMAKE_LIBRARY_ARCHITECTURE STREQUAL "arm-linux-gnueabihf")
@@ -55,6 +56,11 @@ Loads plug-ins and serves their methods as JSON-RPC 2.0 over HTTP."
 debian_package(varnelde varnelde net "server with a simulated Varnel sensor network
 Offers the remote interface of the Varnel plug-in, for development and tests."
     DEPENDS ${same_build} ${c_and_cpp})
+debian_package(trust zorb-trust net "keys and permissions for DDS peers that trust each other
+Makes an authority, certificates, signed permissions and configurations of
+Cyclone DDS, so that hosts and servers talk only to peers that are known."
+    DEPENDS python3 openssl)
+set(CPACK_DEBIAN_TRUST_PACKAGE_ARCHITECTURE all)
 debian_package(development zorb-dev libdevel "development files for JSON-RPC plug-ins
 Headers, CMake package files and pkg-config for plug-ins that zorbd loads, and
 the code generator for remote interfaces."
