@@ -32,16 +32,16 @@ std::string listening_address(ChildProcess& process)
 
 } // namespace
 
-ChildProcess start_server(const Options& options)
+ChildProcess start_server(const Options& options, const Environment& environment)
 {
-    ChildProcess server(with({VARNELDE}, options));
+    ChildProcess server(with({VARNELDE}, options), environment);
     if (!server.wait_for_line("ready"))
         give_up("varnelde has not become ready", server);
     return server;
 }
 
-Host::Host(const Options& options)
-    : m_process(with({ZORBD, "--listen", "127.0.0.1:0", "--plugin", PLUGIN}, options)),
+Host::Host(const Options& options, const Environment& environment)
+    : m_process(with({ZORBD, "--listen", "127.0.0.1:0", "--plugin", PLUGIN}, options), environment),
       m_address(listening_address(m_process))
 {
 }

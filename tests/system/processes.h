@@ -11,17 +11,18 @@
 namespace system_test {
 
 using Options = std::vector<std::string>;
+using Environment = test_support::ChildProcess::Environment;
 
 /// The server process, ready for calls. Throws std::runtime_error, with what it has written, when it does not
 /// become ready.
-test_support::ChildProcess start_server(const Options& options = {});
+test_support::ChildProcess start_server(const Options& options = {}, const Environment& environment = {});
 
 /// The host daemon with the plug-in loaded, listening on a port of its own.
 class Host
 {
 public:
     /// Throws std::runtime_error, with what it has written, when it does not begin to listen.
-    explicit Host(const Options& options = {});
+    explicit Host(const Options& options = {}, const Environment& environment = {});
 
     test_support::ChildProcess& process() { return m_process; }
 
