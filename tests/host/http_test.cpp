@@ -103,8 +103,8 @@ TEST(http, takes_a_request_byte_by_byte_and_in_chunks)
         connection.send(std::string(1, byte));
     EXPECT_EQ(connection.receive().status, 200);
 
-    connection.send(std::string("POST / HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: chunked\r\n") + json_type +
-                    "\r\n" +
+    connection.send(std::string("POST / HTTP/1.1\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n") +
+                    json_type + "\r\n" +
                     "10\r\n{\"jsonrpc\":\"2.0\"\r\n1b\r\n,\"method\":\"seven\",\"id\":123}\r\n0\r\n\r\n");
     EXPECT_THAT(connection.receive().body, JsonEq(R"({"jsonrpc":"2.0","result":7,"id":123})"));
 }
@@ -222,9 +222,9 @@ TEST(http, survives_bytes_that_are_no_http)
     for (const std::string& bytes :
          {std::string("\0\1\2\3\r\n\r\n", 8), std::string("GET\r\n\r\n"),
           std::string("POST / HTTP/9.9\r\n\r\n"),
-          std::string(
-              "POST / HTTP/1.1\r\nHost: x\r\nContent-Length: -5\r\nContent-Type: application/json\r\n\r\n"),
-          std::string("POST / HTTP/1.1\r\nHost: x\r\nContent-Length: 99999999999999999999\r\n\r\n"),
+          std::string("POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: -5\r\nContent-Type: "
+                      "application/json\r\n\r\n"),
+          std::string("POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 99999999999999999999\r\n\r\n"),
           "POST /" + std::string(100000, 'a') + " HTTP/1.1\r\n\r\n",
           "POST / HTTP/1.1\r\n" + std::string(100000, 'h') + ": x\r\n\r\n"}) {
         HttpConnection connection(zorbd.port());

@@ -114,7 +114,7 @@ private:
     zorbd::WorkerPool m_workers{2, 4};
 
 protected:
-    zorbd::IoThreads m_threads{m_workers, [this](bool) { handle_events(); }, [this] { wake(); }};
+    zorbd::IoThreads m_threads{m_workers, [this] { handle_events(); }, [this] { wake(); }};
 };
 
 TEST_F(io_threads, run_a_quick_call_where_events_are_handled)

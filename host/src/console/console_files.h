@@ -2,6 +2,7 @@
 #ifndef ZORBD_CONSOLE_FILES_H
 #define ZORBD_CONSOLE_FILES_H
 
+#include <array>
 #include <string_view>
 
 namespace zorbd {
@@ -14,8 +15,8 @@ struct ConsoleFile
     std::string_view text;
 };
 
-/// Null when the console has no file at that path.
-const ConsoleFile* find_console_file(std::string_view path);
+/// All of them.
+const std::array<ConsoleFile, 3>& console_files();
 
 } // namespace zorbd
 

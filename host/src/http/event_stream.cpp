@@ -1,75 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "http/event_stream.h"
 
-#include <microhttpd.h>
-
-#include <sys/socket.h>
-
 #include <charconv>
 #include <memory>
-#include <new>
 #include <utility>
-
-#include "http/mhd_response.h"
 
 namespace zorbd {
 namespace {
 
-/// What is read from a listener at a time.
-constexpr std::size_t block_size = 8192;
-/// What the kernel keeps for a listener that does not read.
-constexpr int socket_buffer = 65536;
-
-/// A client that takes events, for as long as its response is being sent.
-struct Stream
+/// What a listener reads, as the body of an answer.
+class EventStream : public ResponseStream
 {
-    MHD_Connection& connection;
-    IoThreads& threads;
-    ConnectionRegistry& connections;
-    ConnectionRegistry::Connection& registered;
-    std::unique_ptr<EventFeed::Listener> listener;
+public:
+    explicit EventStream(std::unique_ptr<EventFeed::Listener> listener) : m_listener(std::move(listener)) {}
+
+    State read(char* buffer, std::size_t& size) override
+    {
+        switch (m_listener->read(buffer, size)) {
+        case EventFeed::Listener::State::text:
+            return State::text;
+        case EventFeed::Listener::State::ended:
+            return State::ended;
+        default:
+            return State::nothing_yet;
+        }
+    }
+    bool sleep() override { return m_listener->sleep(); }
+
+private:
+    const std::unique_ptr<EventFeed::Listener> m_listener;
 };
 
-/// Called by libmicrohttpd when the client has taken what it was sent before.
-ssize_t read_stream(void* closure, std::uint64_t /*position*/, char* buffer, std::size_t size) noexcept
+/// The value of a parameter of a query; nothing when it is not there.
+std::optional<std::string_view> parameter(std::string_view query, std::string_view name)
 {
-    try {
-        auto& stream = *static_cast<Stream*>(closure);
-        stream.connections.enter(stream.registered, ConnectionPhase::listening);
-        switch (stream.listener->read(buffer, size)) {
-        case EventFeed::Listener::State::text:
-            return static_cast<ssize_t>(size);
-        case EventFeed::Listener::State::ended:
-            return MHD_CONTENT_READER_END_OF_STREAM;
-        case EventFeed::Listener::State::nothing_yet:
-            break;
-        }
-        MHD_suspend_connection(&stream.connection);
-        stream.threads.sleeps();
-        if (!stream.listener->sleep())
-            resume(stream.threads, stream.connection);
-        return 0;
-    } catch (...) {
-        return MHD_CONTENT_READER_END_WITH_ERROR; // no memory: the client may come again
+    while (!query.empty()) {
+        const std::string_view one = query.substr(0, query.find('&'));
+        query.remove_prefix(std::min(one.size() + 1, query.size()));
+        const std::size_t equals = one.find('=');
+        if (one.substr(0, equals) == name)
+            return equals == std::string_view::npos ? "" : one.substr(equals + 1);
     }
+    return std::nullopt;
 }
 
-void end_stream(void* closure) noexcept
+/// What names the event after which a client wants to go on; empty when it names none.
+std::string_view resume_text(const RequestHead& head)
 {
-    const std::unique_ptr<Stream> ended(static_cast<Stream*>(closure));
-}
-
-void limit_socket_buffer(MHD_Connection& connection)
-{
-    const int socket = MHD_get_connection_info(&connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
-    setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &socket_buffer, sizeof socket_buffer);
-}
-
-void queue(MHD_Connection& connection, const Response& response)
-{
-    MHD_add_response_header(response.get(), MHD_HTTP_HEADER_CONTENT_TYPE, "text/event-stream");
-    MHD_add_response_header(response.get(), MHD_HTTP_HEADER_CACHE_CONTROL, "no-store");
-    queue_response(connection, MHD_HTTP_OK, response);
+    if (const auto field = head.field("Last-Event-ID"))
+        return *field;
+    return parameter(head.query, "last_event_id").value_or("");
 }
 
 } // namespace
@@ -83,43 +63,19 @@ std::optional<std::uint64_t> parse_event_id(std::string_view text)
     return id;
 }
 
-std::variant<std::optional<std::uint64_t>, Refusal> resume_point(MHD_Connection& connection)
+OpenStream event_stream(EventFeed& feed)
 {
-    const char* text = MHD_lookup_connection_value(&connection, MHD_HEADER_KIND, "Last-Event-ID");
-    if (text == nullptr)
-        text = MHD_lookup_connection_value(&connection, MHD_GET_ARGUMENT_KIND, "last_event_id");
-    if (text == nullptr || *text == '\0')
-        return std::optional<std::uint64_t>();
-    const std::optional<std::uint64_t> id = parse_event_id(text);
-    if (!id)
-        return Refusal{400, "Last-Event-ID must be the id of an event: a whole number", {}};
-    return id;
-}
-
-std::optional<Refusal> answer_with_events(MHD_Connection& connection, EventFeed& feed,
-                                          std::optional<std::uint64_t> after, IoThreads& threads,
-                                          ConnectionRegistry& connections,
-                                          ConnectionRegistry::Connection& registered)
-{
-    auto listener = feed.listen(after, [&connection, &threads] { resume(threads, connection); });
-    if (listener == nullptr)
-        return Refusal{503, "too many listeners take events already (--max-listeners)", {}};
-    auto stream =
-        std::make_unique<Stream>(Stream{connection, threads, connections, registered, std::move(listener)});
-    const Response response(MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, block_size, &read_stream,
-                                                              stream.get(), &end_stream));
-    if (response == nullptr)
-        throw std::bad_alloc();
-    static_cast<void>(stream.release()); // now the response's
-    limit_socket_buffer(connection);
-    connections.enter(registered, ConnectionPhase::listening);
-    queue(connection, response);
-    return std::nullopt;
-}
-
-void answer_with_event_head(MHD_Connection& connection)
-{
-    queue(connection, response_of({}));
+    const auto open = [&feed](const RequestHead& head, std::function<void()> wake) -> OpenedStream {
+        const std::string_view after = resume_text(head);
+        const auto id = parse_event_id(after);
+        if (!after.empty() && !id)
+            return Refusal{400, "Last-Event-ID must be the id of an event: a whole number"};
+        auto listener = feed.listen(id, std::move(wake));
+        if (listener == nullptr)
+            return Refusal{503, "too many listeners take events already (--max-listeners)"};
+        return std::make_unique<EventStream>(std::move(listener));
+    };
+    return {"text/event-stream", open};
 }
 
 } // namespace zorbd

@@ -1,219 +1,208 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "http/http_server.h"
 
-#include <microhttpd.h>
-
-#include <poll.h>
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
-#include <sys/socket.h>
 
-#include <algorithm>
+#include <array>
 #include <cerrno>
-#include <climits>
-#include <memory>
 #include <new>
 #include <system_error>
 #include <utility>
 
-#include "http/http_exchange.h"
-
 namespace zorbd {
 namespace {
 
-/// What a connection may use for the head of a request and of its response.
-constexpr std::size_t connection_memory = 8192;
-/// Above our own limit, which is the one that is told of and enforced.
-constexpr unsigned int connection_reserve = 16;
-/// How long to wait in the library alone, where nothing but a client can end the wait.
-constexpr int busy_wait_ms = 10;
-
-std::optional<std::string_view> header(MHD_Connection* connection, const char* name)
+FileDescriptor opened(int descriptor)
 {
-    const char* value = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
-    if (value == nullptr)
-        return std::nullopt;
-    return value;
+    if (descriptor < 0)
+        throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
+    return FileDescriptor(descriptor);
 }
 
-RequestHead head_of(MHD_Connection* connection, const char* method, const char* path)
+void add(int epoll, int socket, std::uint32_t events, void* closure)
 {
-    return {method,
-            path,
-            header(connection, MHD_HTTP_HEADER_CONTENT_TYPE),
-            header(connection, MHD_HTTP_HEADER_CONTENT_LENGTH),
-            header(connection, MHD_HTTP_HEADER_ORIGIN),
-            header(connection, MHD_HTTP_HEADER_AUTHORIZATION)};
+    epoll_event event{};
+    event.events = events;
+    event.data.ptr = closure;
+    if (epoll_ctl(epoll, EPOLL_CTL_ADD, socket, &event) != 0)
+        throw std::system_error(errno, std::generic_category(), "cannot watch a socket");
 }
 
-ConnectionRegistry::Connection& registered(MHD_Connection* connection)
+std::unique_ptr<CallExchange> take_first(CallExchange*& list)
 {
-    const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
-    if (info->socket_context == nullptr)
-        throw std::bad_alloc(); // there was no memory to register it
-    return *static_cast<ConnectionRegistry::Connection*>(info->socket_context);
-}
-
-/// Runs what a callback has to do; no exception may pass through the library that calls it.
-template <class Action>
-MHD_Result guarded(const Action& action) noexcept
-{
-    try {
-        action();
-        return MHD_YES;
-    } catch (...) {
-        return MHD_NO; // closes the connection
-    }
+    std::unique_ptr<CallExchange> first(list);
+    list = first->next;
+    return first;
 }
 
 } // namespace
 
-/// The functions that libmicrohttpd calls, on the server's thread. `closure` is the server.
-struct HttpCallbacks
+HttpServer::HttpServer(const RequestGate& gate, const HttpServices& services)
+    : m_gate(gate), m_services(services), m_epoll(opened(epoll_create1(EPOLL_CLOEXEC))),
+      m_wake_up(opened(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)))
 {
-    static MHD_Result accept(void* closure, const sockaddr* address, socklen_t /*length*/)
-    {
-        ConnectionRegistry& connections = server(closure).m_services.connections;
-        bool has_room = false;
-        guarded([&] { has_room = connections.has_room(address); });
-        if (!has_room)
-            server(closure).m_services.metrics.count_turned_away();
-        return has_room ? MHD_YES : MHD_NO;
-    }
-
-    static void connection_changed(void* closure, MHD_Connection* connection, void** context,
-                                   MHD_ConnectionNotificationCode change)
-    {
-        ConnectionRegistry& connections = server(closure).m_services.connections;
-        if (change == MHD_CONNECTION_NOTIFY_STARTED)
-            guarded([&] { *context = &add(connections, connection); });
-        else if (*context != nullptr)
-            connections.remove(*static_cast<ConnectionRegistry::Connection*>(*context));
-    }
-
-    /// Is called when the first line of a request has come in.
-    static void* request_line_read(void* closure, const char* /*uri*/, MHD_Connection* connection)
-    {
-        guarded([&] { enter(closure, connection, ConnectionPhase::receiving); });
-        return nullptr;
-    }
-
-    static MHD_Result handle(void* closure, MHD_Connection* connection, const char* path, const char* method,
-                             const char* /*version*/, const char* data, std::size_t* size, void** context)
-    {
-        server(closure).m_is_busy = true;
-        return guarded([&] {
-            auto* exchange = static_cast<HttpExchange*>(*context);
-            if (exchange == nullptr) {
-                *context = exchange = make_exchange(server(closure), connection);
-                exchange->begin(head_of(connection, method, path));
-            } else if (*size != 0) {
-                exchange->receive(data, std::exchange(*size, 0));
-            } else {
-                exchange->proceed();
-            }
-        });
-    }
-
-    static void completed(void* closure, MHD_Connection* connection, void** context,
-                          MHD_RequestTerminationCode /*how*/)
-    {
-        server(closure).m_is_busy = true;
-        HttpExchange::release(
-            std::unique_ptr<HttpExchange>(static_cast<HttpExchange*>(std::exchange(*context, nullptr))));
-        guarded([&] { enter(closure, connection, ConnectionPhase::idle); });
-    }
-
-private:
-    static HttpServer& server(void* closure) { return *static_cast<HttpServer*>(closure); }
-
-    static void enter(void* closure, MHD_Connection* connection, ConnectionPhase phase)
-    {
-        server(closure).m_services.connections.enter(registered(connection), phase);
-    }
-
-    static ConnectionRegistry::Connection& add(ConnectionRegistry& connections, MHD_Connection* connection)
-    {
-        const int socket = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
-        const sockaddr* address =
-            MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS)->client_addr;
-        return connections.add(socket, address);
-    }
-
-    static HttpExchange* make_exchange(HttpServer& server, MHD_Connection* connection)
-    {
-        return new HttpExchange(*connection, registered(connection), server.m_gate, server.m_services,
-                                *server.m_threads);
-    }
-};
-
-HttpServer::HttpServer(int listening_socket, RequestGate gate, const HttpServices& services)
-    : m_gate(std::move(gate)), m_services(services),
-      m_daemon(MHD_start_daemon(
-          MHD_USE_EPOLL | MHD_ALLOW_SUSPEND_RESUME, 0, &HttpCallbacks::accept, this, &HttpCallbacks::handle,
-          this, MHD_OPTION_LISTEN_SOCKET, listening_socket, MHD_OPTION_CONNECTION_MEMORY_LIMIT,
-          connection_memory, MHD_OPTION_CONNECTION_LIMIT,
-          static_cast<unsigned int>(services.connections.limits().total) + connection_reserve,
-          MHD_OPTION_STRICT_FOR_CLIENT, 1, MHD_OPTION_SIGPIPE_HANDLED_BY_APP, 1, MHD_OPTION_URI_LOG_CALLBACK,
-          &HttpCallbacks::request_line_read, this, MHD_OPTION_NOTIFY_CONNECTION,
-          &HttpCallbacks::connection_changed, this, MHD_OPTION_NOTIFY_COMPLETED, &HttpCallbacks::completed,
-          this, MHD_OPTION_END)),
-      m_wake_up(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
-{
-    if (m_daemon == nullptr)
-        throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
-    if (m_wake_up.get() < 0)
-        throw std::system_error(errno, std::generic_category(), "cannot start the HTTP server");
+    add(m_epoll.get(), m_wake_up.get(), EPOLLIN | EPOLLET, nullptr);
     m_threads.emplace(
-        services.workers, [this](bool may_be_woken) { handle_events(may_be_woken); }, [this] { wake(); });
+        services.workers, [this] { handle_events(); }, [this] { wake(); });
 }
 
 HttpServer::~HttpServer()
 {
     m_threads.reset();
-    quiesce(); // otherwise the daemon closes the socket, which is not its own
+    m_connections.clear();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_call_ended.wait(lock, [this] { return m_calls == 0; });
+    while (m_inbox.done != nullptr)
+        take_first(m_inbox.done);
 }
 
-/// To wait in the library takes one system call a round instead of two, but only for a client. That is good
-/// enough for a short time, which under load is hardly ever used up.
-void HttpServer::handle_events(bool may_be_woken)
+void HttpServer::take_in(std::unique_ptr<Transport> transport, ConnectionRegistry::Place place)
 {
-    if (std::exchange(m_is_busy, false) && !may_be_woken) {
-        MHD_run_wait(m_daemon.get(), busy_wait_ms);
-    } else {
-        await_events();
-        MHD_run(m_daemon.get());
+    auto connection = std::make_unique<HttpConnection>(*this, std::move(transport), std::move(place));
+    put([&](Inbox& inbox) { inbox.connections.push_back(std::move(connection)); });
+}
+
+CallExchange* HttpServer::start_call(HttpConnection& connection, std::string body)
+{
+    auto call = std::make_unique<CallExchange>(m_services.dispatcher, m_services.calls, *m_threads, *this,
+                                               connection, std::move(body));
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        ++m_calls;
+    }
+    if (m_threads->submit(*call))
+        return call.release(); // comes back through take_back()
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    --m_calls;
+    return nullptr;
+}
+
+void HttpServer::count_refusal(unsigned status) noexcept
+{
+    m_services.metrics.count_refusal(status);
+}
+
+/// A connection that has taken the place of one that is gone is woken for nothing, which does no harm.
+std::function<void()> HttpServer::wake_of(const HttpConnection& connection)
+{
+    return [this, woken = &connection] { put([woken](Inbox& inbox) { inbox.woken.push_back(woken); }); };
+}
+
+void HttpServer::note_overdue() noexcept
+{
+    put([](Inbox& inbox) { inbox.has_overdue = true; });
+}
+
+void HttpServer::take_back(CallExchange& done) noexcept
+{
+    put([&](Inbox& inbox) {
+        done.next = std::exchange(inbox.done, &done);
+        --m_calls;
+        m_call_ended.notify_all(); // with the lock held: what waits for it may end all this
+    });
+}
+
+/// Puts something into the inbox and sees to it that the leader looks.
+template <class Put>
+void HttpServer::put(const Put& put_in)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    put_in(m_inbox);
+    if (m_leader_waits.exchange(false))
+        wake();
+}
+
+void HttpServer::handle_events()
+{
+    empty_inbox();
+    await_events();
+}
+
+void HttpServer::empty_inbox()
+{
+    for (;;) {
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            if (m_inbox.empty()) {
+                m_leader_waits = true;
+                return;
+            }
+            std::swap(m_inbox, m_handled);
+        }
+        handle(m_handled);
     }
 }
 
-/// Waits for clients and for wake().
-void HttpServer::await_events() const
+void HttpServer::handle(Inbox& inbox)
 {
-    const int clients = MHD_get_daemon_info(m_daemon.get(), MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd;
-    pollfd awaited[] = {{clients, POLLIN, 0}, {m_wake_up.get(), POLLIN, 0}};
-    MHD_UNSIGNED_LONG_LONG limit = 0;
-    const bool is_limited = MHD_get_timeout(m_daemon.get(), &limit) == MHD_YES;
-    poll(awaited, std::size(awaited),
-         is_limited ? static_cast<int>(std::min<MHD_UNSIGNED_LONG_LONG>(limit, INT_MAX)) : -1);
-    eventfd_t woken = 0;
-    if (awaited[1].revents != 0)
-        eventfd_read(m_wake_up.get(), &woken);
+    for (auto& connection : inbox.connections)
+        serve(std::move(connection));
+    inbox.connections.clear();
+    while (inbox.done != nullptr) {
+        const auto done = take_first(inbox.done);
+        if (HttpConnection* asks = done->asks)
+            advance(*asks, [&] { return asks->take_answer(std::move(done->answer)); });
+    }
+    for (const HttpConnection* woken : inbox.woken)
+        if (const auto found = m_connections.find(woken); found != m_connections.end())
+            advance(*found->second, [&] { return found->second->proceed(); });
+    inbox.woken.clear();
+    if (std::exchange(inbox.has_overdue, false))
+        for (auto at = m_connections.begin(); at != m_connections.end();) {
+            HttpConnection& connection = *(at++)->second;
+            advance(connection, [&] { return connection.answer_overdue(); });
+        }
+}
+
+void HttpServer::await_events()
+{
+    constexpr int at_once = 64;
+    constexpr int for_ever = -1;
+    std::array<epoll_event, at_once> events{};
+    const int count = epoll_wait(m_epoll.get(), events.data(), at_once, m_threads->has_work() ? 0 : for_ever);
+    m_leader_waits = false;
+    for (int i = 0; i < count; ++i) {
+        const epoll_event& event = events[static_cast<std::size_t>(i)];
+        if (event.data.ptr == nullptr)
+            continue; // woken
+        auto& connection = *static_cast<HttpConnection*>(event.data.ptr);
+        advance(connection, [&] { return connection.handle_events(event.events); });
+    }
+}
+
+/// A connection for which there is no memory is closed.
+void HttpServer::serve(std::unique_ptr<HttpConnection> connection) noexcept
+{
+    constexpr std::uint32_t edges = EPOLLIN | EPOLLOUT | EPOLLRDHUP | EPOLLET;
+    try {
+        HttpConnection* served = connection.get();
+        const auto at = m_connections.emplace(served, std::move(connection)).first;
+        try {
+            add(m_epoll.get(), served->socket(), edges, served);
+        } catch (...) {
+            m_connections.erase(at);
+        }
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): it is closed by now
+    }
+}
+
+/// Lets a connection do something; one that has ended, or has no memory to go on, is closed.
+template <class Step>
+void HttpServer::advance(HttpConnection& connection, const Step& step) noexcept
+{
+    auto fate = HttpConnection::Fate::ends;
+    try {
+        fate = step();
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it is closed below
+    }
+    if (fate == HttpConnection::Fate::ends)
+        m_connections.erase(&connection);
 }
 
 void HttpServer::wake() const
 {
     eventfd_write(m_wake_up.get(), 1);
-}
-
-void HttpServer::quiesce()
-{
-    const int socket = MHD_quiesce_daemon(m_daemon.get());
-    if (socket != MHD_INVALID_SOCKET)
-        shutdown(socket, SHUT_RDWR); // refuses connections at once, while the descriptor stays valid
-}
-
-void HttpServer::Stop::operator()(MHD_Daemon* daemon) const noexcept
-{
-    MHD_stop_daemon(daemon);
 }
 
 } // namespace zorbd

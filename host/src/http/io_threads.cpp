@@ -68,7 +68,7 @@ void IoThreads::serve()
 void IoThreads::lead(std::unique_lock<std::mutex>& lock)
 {
     lock.unlock();
-    m_handle_events(m_asleep != 0);
+    m_handle_events();
     lock.lock();
     m_ready.swap(m_collected);
     if (!m_is_watched)

@@ -30,9 +30,8 @@ public:
     /// How often the watching thread looks.
     static constexpr std::chrono::milliseconds patience{2};
 
-    /// Waits for events and handles them; may call submit() and sleeps(). When told that it may be woken, it
-    /// must return at once after that, otherwise a few milliseconds later will do.
-    using HandleEvents = std::function<void(bool may_be_woken)>;
+    /// Waits for events and handles them; may call submit(). It must not wait while has_work().
+    using HandleEvents = std::function<void()>;
 
     /// Starts the threads. `wake` makes the event handler return, now or the next time. Throws
     /// std::system_error.
@@ -46,19 +45,8 @@ public:
     /// when too much is outstanding.
     bool submit(Work& work);
 
-    /// To be called by the event handler when it no longer asks for work that was submitted, but waits for
-    /// awaken().
-    void sleeps() { ++m_asleep; }
-
-    /// Runs what tells the event handler that such work is done, and wakes it. Any thread.
-    template <class Tell>
-    void awaken(const Tell& tell)
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex); // what it tells may let all this end
-        tell();
-        --m_asleep;
-        m_wake();
-    }
+    /// Whether work was submitted that is to be done after this round. For the event handler.
+    bool has_work() const { return !m_collected.empty(); }
 
     /// Tells how long work that came from here has taken. Any thread.
     void worked(Clock::duration took) { m_calls_are_quick = took < quick; }
@@ -77,7 +65,6 @@ private:
     const HandleEvents m_handle_events;
     const std::function<void()> m_wake;
     std::vector<Work*> m_collected; ///< in this round; the leader's own
-    std::atomic<std::size_t> m_asleep{0};
     std::atomic<bool> m_calls_are_quick{true};
     std::mutex m_mutex; ///< taken before that of the workers
     std::condition_variable m_changed;

@@ -4,12 +4,11 @@
 
 #include <string>
 
-struct MHD_Connection;
-
 namespace zorbd {
 
-/// The address of the client, as ADDRESS:PORT; "unix" for one that came over a Unix socket.
-std::string peer_text(MHD_Connection& connection);
+/// The address of the client of a connected socket, as ADDRESS:PORT; "unix" for one that came over a Unix
+/// socket.
+std::string peer_text(int socket);
 
 } // namespace zorbd
 

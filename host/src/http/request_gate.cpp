@@ -1,41 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "http/request_gate.h"
 
-#include <strings.h>
+#include <arpa/inet.h>
 
 #include <algorithm>
-#include <charconv>
-#include <iterator>
 #include <utility>
-
-#include "console/console_files.h"
 
 namespace zorbd {
 namespace {
 
-constexpr std::string_view call_path = "/";
-
-/// What is read, not called.
-struct Page
-{
-    std::string_view path;
-    Route route;
-};
-
-constexpr Page pages[] = {
-    {"/healthz", Route::health}, {"/events", Route::events}, {"/metrics", Route::metrics}};
-
-const Page* find_page(std::string_view path)
-{
-    const auto* found = std::find_if(std::begin(pages), std::end(pages),
-                                     [path](const Page& page) { return page.path == path; });
-    return found == std::end(pages) ? nullptr : found;
-}
-
-bool equal_ignoring_case(std::string_view left, std::string_view right)
-{
-    return left.size() == right.size() && strncasecmp(left.data(), right.data(), left.size()) == 0;
-}
+constexpr std::string_view json_types[] = {"application/json", "application/json-rpc",
+                                           "application/jsonrequest"};
 
 /// A media type without its parameters.
 std::string_view media_type(std::string_view content_type)
@@ -46,67 +21,132 @@ std::string_view media_type(std::string_view content_type)
 
 bool is_json(const std::optional<std::string_view>& content_type)
 {
-    return content_type && equal_ignoring_case(media_type(*content_type), "application/json");
+    return content_type &&
+           std::any_of(std::begin(json_types), std::end(json_types), [&](std::string_view type) {
+               return equal_ignoring_case(media_type(*content_type), type);
+           });
 }
 
-bool is_longer(std::string_view content_length, std::size_t limit)
+/// The host of an authority, without its port and without an IPv6 address' brackets.
+std::string_view host_of(std::string_view authority)
 {
-    std::size_t length = 0;
-    const auto read =
-        std::from_chars(content_length.data(), content_length.data() + content_length.size(), length);
-    return read.ec == std::errc::result_out_of_range || length > limit;
+    if (!authority.empty() && authority.front() == '[')
+        return authority.substr(1, std::min(authority.find(']'), authority.size()) - 1);
+    return authority.substr(0, authority.find(':'));
+}
+
+/// What the client takes the server for.
+std::string_view authority_of(const RequestHead& head)
+{
+    return head.authority.empty() ? head.field("Host").value_or("") : std::string_view(head.authority);
+}
+
+bool is_address(std::string_view host)
+{
+    const std::string text(host);
+    in6_addr parsed{};
+    return inet_pton(AF_INET, text.c_str(), &parsed) == 1 || inet_pton(AF_INET6, text.c_str(), &parsed) == 1;
+}
+
+bool is_any(const TcpAddress& address)
+{
+    return address.host == "0.0.0.0" || address.host == "::";
 }
 
 } // namespace
 
-RequestGate::RequestGate(AccessRules rules) : m_rules(std::move(rules)) {}
-
-std::variant<Route, Refusal> RequestGate::check(const RequestHead& head) const
+RequestGate::RequestGate(const RouteTable& routes, AccessRules rules)
+    : m_routes(routes), m_rules(std::move(rules))
 {
-    const bool is_read = head.method == "GET" || head.method == "HEAD";
-    if (m_rules.has_console && is_read && find_console_file(head.path) != nullptr)
-        return Route::console; // which asks for the token itself, and holds nothing secret
-    if (const auto refusal = check_sender(head))
-        return *refusal;
-    if (const Page* page = find_page(head.path)) {
-        if (is_read)
-            return page->route;
-        return Refusal{405, std::string(page->path) + " takes GET", "GET, HEAD"};
-    }
-    if (head.path == call_path)
-        return check_call(head);
-    return Refusal{404, "nothing is here: calls go to /, health is at /healthz", {}};
+}
+
+std::variant<const Route*, Refusal> RequestGate::check(const RequestHead& head) const
+{
+    if (auto refusal = check_name(head))
+        return std::move(*refusal);
+    const Route* route = m_routes.find(head.method, head.path);
+    if (route != nullptr && route->is_public)
+        return route;
+    if (auto refusal = check_sender(head))
+        return std::move(*refusal);
+    if (route == nullptr)
+        return not_here(head);
+    if (std::holds_alternative<TakesCalls>(route->action))
+        if (auto refusal = check_call(head))
+            return std::move(*refusal);
+    return route;
+}
+
+Refusal RequestGate::not_here(const RequestHead& head) const
+{
+    std::string methods = m_routes.methods_of(head.path);
+    if (methods.empty())
+        return {404, "nothing is here: calls go to /, health is at /healthz"};
+    std::string cause = head.path + " takes " + methods;
+    return {405, std::move(cause), std::move(methods)};
+}
+
+std::optional<Refusal> RequestGate::check_name(const RequestHead& head) const
+{
+    const std::string_view authority = authority_of(head);
+    if (is_own_name(authority))
+        return std::nullopt;
+    return Refusal{421, "this server does not go by the name '" + std::string(host_of(authority)) +
+                            "'; --server-name gives it further names"};
 }
 
 std::optional<Refusal> RequestGate::check_sender(const RequestHead& head) const
 {
-    if (head.origin && !is_own(*head.origin))
-        return Refusal{403, "requests of web pages of another origin are not taken", {}};
-    if (m_rules.token && !(head.authorization && m_rules.token->admits(*head.authorization)))
-        return Refusal{401, "a valid bearer token is needed", {}};
+    if (const auto origin = head.field("Origin"); origin && !is_own_page(*origin, authority_of(head)))
+        return Refusal{403, "requests of web pages of another origin are not taken"};
+    const auto authorization = head.field("Authorization");
+    if (m_rules.token && !(authorization && m_rules.token->admits(*authorization)))
+        return Refusal{401, "a valid bearer token is needed"};
     return std::nullopt;
 }
 
-std::variant<Route, Refusal> RequestGate::check_call(const RequestHead& head) const
+/// A page that makes its own name point here (DNS rebinding) still sends that name.
+bool RequestGate::is_own_name(std::string_view authority) const
 {
-    if (head.method != "POST")
-        return Refusal{405, "calls are made with POST", m_rules.has_console ? "GET, HEAD, POST" : "POST"};
-    if (!is_json(head.content_type))
-        return Refusal{415, "the Content-Type must be application/json", {}};
-    if (head.content_length && is_longer(*head.content_length, m_rules.max_body))
-        return body_too_large();
-    return Route::json_rpc;
+    const std::string_view host = host_of(authority);
+    if (!m_rules.address || (authority.empty()))
+        return true; // no web page gets to a Unix socket, and none leaves the name out
+    if (host == m_rules.address->host || equal_ignoring_case(host, "localhost"))
+        return true;
+    if (is_any(*m_rules.address) && is_address(host))
+        return true;
+    return is_server_name(host);
 }
 
-Refusal RequestGate::body_too_large() const
+bool RequestGate::is_server_name(std::string_view host) const
 {
-    return {413, "the body is longer than the limit of " + std::to_string(m_rules.max_body) + " bytes", {}};
+    return std::any_of(m_rules.server_names.begin(), m_rules.server_names.end(),
+                       [host](const std::string& name) { return equal_ignoring_case(name, host); });
 }
 
-bool RequestGate::is_own(std::string_view origin) const
+/// A page of this server itself, or one that a proxy with one of the server's names has brought.
+bool RequestGate::is_own_page(std::string_view origin, std::string_view authority) const
 {
-    return std::any_of(m_rules.own_origins.begin(), m_rules.own_origins.end(),
-                       [origin](const std::string& own) { return equal_ignoring_case(own, origin); });
+    const std::size_t separator = origin.find("://");
+    if (!m_rules.address || separator == std::string_view::npos)
+        return false;
+    const std::string_view page = origin.substr(separator + 3);
+    const std::size_t colon = page.rfind(':');
+    const bool is_of_this_port =
+        colon != std::string_view::npos && page.substr(colon + 1) == std::to_string(m_rules.address->port);
+    if (equal_ignoring_case(origin.substr(0, separator), "http"))
+        return equal_ignoring_case(page, authority) || (is_of_this_port && is_own_name(page));
+    return is_server_name(host_of(page)) && equal_ignoring_case(page, authority);
+}
+
+std::optional<Refusal> RequestGate::check_call(const RequestHead& head) const
+{
+    if (!is_json(head.field("Content-Type")))
+        return Refusal{415, "the Content-Type must be application/json"};
+    if (head.content_length && *head.content_length > m_rules.max_body)
+        return Refusal{413,
+                       "the body is longer than the limit of " + std::to_string(m_rules.max_body) + " bytes"};
+    return std::nullopt;
 }
 
 } // namespace zorbd

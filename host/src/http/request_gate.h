@@ -3,6 +3,7 @@
 #define ZORBD_REQUEST_GATE_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,59 +11,45 @@
 #include <vector>
 
 #include "http/bearer_token.h"
+#include "http/http_message.h"
+#include "http/listen_socket.h"
+#include "http/route_table.h"
 
 namespace zorbd {
-
-/// What the head of an HTTP request says, as far as it matters here.
-struct RequestHead
-{
-    std::string_view method;
-    std::string_view path;
-    std::optional<std::string_view> content_type;
-    std::optional<std::string_view> content_length;
-    std::optional<std::string_view> origin;
-    std::optional<std::string_view> authorization;
-};
-
-/// Where an admitted request goes.
-enum class Route { json_rpc, health, events, metrics, console };
-
-/// Why a request is not admitted.
-struct Refusal
-{
-    unsigned int status;
-    std::string cause;
-    /// With status 405, what the path takes.
-    const char* allowed_methods = nullptr;
-};
 
 /// Who belongs on one listener.
 struct AccessRules
 {
     /// When there is one, every request must show it.
     std::optional<BearerToken> token;
-    /// The origins that the server's own pages would have; a request from a page of any other is refused.
-    std::vector<std::string> own_origins;
+    /// Where it listens; none for a Unix socket, which no web page reaches.
+    std::optional<TcpAddress> address;
+    /// Names, besides localhost and the address, under which it is reached.
+    std::vector<std::string> server_names;
     std::size_t max_body = 1U << 20U;
-    bool has_console = false;
 };
 
 /// Decides on a request by its head, before its body is taken in.
 class RequestGate
 {
 public:
-    explicit RequestGate(AccessRules rules);
+    /// `routes` must outlive it.
+    RequestGate(const RouteTable& routes, AccessRules rules);
 
-    std::variant<Route, Refusal> check(const RequestHead& head) const;
+    std::variant<const Route*, Refusal> check(const RequestHead& head) const;
     std::size_t max_body() const { return m_rules.max_body; }
-    Refusal body_too_large() const;
 
 private:
+    Refusal not_here(const RequestHead& head) const;
+    std::optional<Refusal> check_name(const RequestHead& head) const;
     std::optional<Refusal> check_sender(const RequestHead& head) const;
-    std::variant<Route, Refusal> check_call(const RequestHead& head) const;
-    bool is_own(std::string_view origin) const;
+    std::optional<Refusal> check_call(const RequestHead& head) const;
+    bool is_own_name(std::string_view authority) const;
+    bool is_server_name(std::string_view host) const;
+    bool is_own_page(std::string_view origin, std::string_view authority) const;
 
-    AccessRules m_rules;
+    const RouteTable& m_routes;
+    const AccessRules m_rules;
 };
 
 } // namespace zorbd

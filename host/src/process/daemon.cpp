@@ -1,23 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "process/daemon.h"
 
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <thread>
 #include <utility>
 
+#include "http/console_routes.h"
+#include "http/event_stream.h"
 #include "plugins/health_report.h"
 
 namespace zorbd {
 namespace {
-
-/// The origins that a page of this server itself would have.
-std::vector<std::string> own_origins(const TcpAddress& address)
-{
-    std::vector<std::string> origins = {"http://" + to_text(address)};
-    if (is_loopback(address))
-        origins.push_back("http://localhost:" + std::to_string(address.port));
-    return origins;
-}
 
 /// More than one, so that a second processor does not idle when all calls are quick: those run on a server's
 /// own thread.
@@ -51,25 +46,44 @@ Daemon::Daemon(const Options& options)
         m_unix.emplace(*options.unix_socket, options.unix_access);
     std::optional<BearerToken> token = read_token(options.token_file);
     m_plugins.start();
+    add_routes(options.console);
     if (m_tcp)
-        serve(m_tcp->fd(),
-              {std::move(token), own_origins(m_tcp->address()), options.max_body, options.console});
+        add_listener(m_tcp->fd(),
+                     {std::move(token), m_tcp->address(), options.server_names, options.max_body});
     if (m_unix) // its file mode says who may use it, so it asks for no token
-        serve(m_unix->fd(), {std::nullopt, {}, options.max_body, options.console});
+        add_listener(m_unix->fd(), {std::nullopt, std::nullopt, {}, options.max_body});
+    m_acceptor.emplace(m_listeners, m_connections, m_metrics);
 }
 
-void Daemon::serve(int socket, const AccessRules& rules)
+void Daemon::add_routes(bool console)
 {
-    const HttpServices services{m_dispatcher,
-                                m_workers,
-                                m_connections,
-                                m_feed,
-                                m_metrics,
-                                m_calls,
-                                [this] { return report_health(m_plugins, m_streams.health()); },
-                                [this] { return metrics_page(); }};
-    for (unsigned i = 0; i < servers_per_listener(); ++i)
-        m_servers.push_back(std::make_unique<HttpServer>(socket, RequestGate(rules), services));
+    m_routes.add({"POST", "/", TakesCalls()});
+    m_routes.add({"GET", "/healthz", [this](const RequestHead&) {
+                      HealthReport report = report_health(m_plugins, m_streams.health());
+                      return HttpResponse{report.healthy ? 200U : 503U, std::move(report.json)};
+                  }});
+    m_routes.add({"GET", "/metrics", [this](const RequestHead&) {
+                      return HttpResponse{200, metrics_page(), "text/plain; version=0.0.4"};
+                  }});
+    m_routes.add({"GET", "/events", event_stream(m_feed)});
+    if (console)
+        add_console_routes(m_routes);
+}
+
+void Daemon::add_listener(int socket, AccessRules rules)
+{
+    const bool needs_token = rules.token.has_value();
+    m_gates.push_back(std::make_unique<RequestGate>(m_routes, std::move(rules)));
+    const auto plain = [](FileDescriptor accepted) {
+        return std::make_unique<PlainTransport>(std::move(accepted));
+    };
+    Listener listener{socket, needs_token, true, plain, {}};
+    for (unsigned i = 0; i < servers_per_listener(); ++i) {
+        m_servers.push_back(std::make_unique<HttpServer>(
+            *m_gates.back(), HttpServices{m_dispatcher, m_workers, m_metrics, m_calls}));
+        listener.servers.push_back(m_servers.back().get());
+    }
+    m_listeners.push_back(std::move(listener));
 }
 
 std::string Daemon::metrics_page()
@@ -101,8 +115,9 @@ std::string Daemon::where() const
 
 void Daemon::refuse_calls()
 {
-    for (const auto& server : m_servers)
-        server->quiesce();
+    m_acceptor.reset();
+    for (const Listener& listener : m_listeners)
+        shutdown(listener.socket, SHUT_RDWR); // refuses connections while the descriptor stays valid
     m_connections.close();
     m_feed.close();
     m_plugins.stop_binding();

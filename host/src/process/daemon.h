@@ -9,8 +9,11 @@
 #include <vector>
 
 #include "events/event_feed.h"
+#include "http/acceptor.h"
 #include "http/http_server.h"
 #include "http/listen_socket.h"
+#include "http/request_gate.h"
+#include "http/route_table.h"
 #include "http/worker_pool.h"
 #include "jsonrpc/dispatcher.h"
 #include "plugins/plugin_set.h"
@@ -44,7 +47,8 @@ public:
 
 private:
     std::string metrics_page();
-    void serve(int socket, const AccessRules& rules);
+    void add_routes(bool console);
+    void add_listener(int socket, AccessRules rules);
 
     EventFeed m_feed;
     StandardStreams m_streams;
@@ -57,7 +61,11 @@ private:
     Dispatcher m_dispatcher;
     ConnectionRegistry m_connections;
     WorkerPool m_workers;
+    RouteTable m_routes;
+    std::vector<std::unique_ptr<RequestGate>> m_gates;
     std::vector<std::unique_ptr<HttpServer>> m_servers;
+    std::vector<Listener> m_listeners;
+    std::optional<Acceptor> m_acceptor;
 };
 
 } // namespace zorbd

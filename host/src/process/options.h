@@ -28,6 +28,7 @@ struct Options
     std::optional<std::string> unix_socket;
     UnixSocketAccess unix_access;
     std::optional<std::string> token_file;
+    std::vector<std::string> server_names;
 
     std::size_t threads = 4;
     std::size_t max_outstanding = 128;
