@@ -48,8 +48,8 @@ public:
     {
         const auto found = m_methods.find(name);
         if (found == m_methods.end())
-            return {nullptr, nullptr, may_still_come};
-        return {found->second.get(), &m_plugin, false};
+            return {nullptr, nullptr, nullptr, may_still_come};
+        return {found->second.get(), &m_plugin, nullptr, false};
     }
 
     std::shared_ptr<const std::string> discovery_document() const override

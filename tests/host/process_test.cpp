@@ -252,6 +252,7 @@ TEST(plugins, do_not_serve_names_that_are_reserved)
     ZorbdProcess zorbd({"--plugin", plugin("late_service")});
 
     EXPECT_TRUE(zorbd.says(": its method rpc.late is not served"));
+    EXPECT_TRUE(zorbd.says("late_service.so is bound"));
     EXPECT_THAT(ask(zorbd.port(), post(call("rpc.late"))).body, HasSubstr(R"("message":"Method not found")"));
 }
 
@@ -291,7 +292,8 @@ TEST(plugins, are_described_by_rpc_discover)
     EXPECT_THAT(
         response.body,
         JsonEq(R"({"jsonrpc":"2.0","id":1,"result":{"openrpc":"1.2.6","info":{"title":"zorbd","version":")" +
-               std::string(PROGRAM_VERSION) + R"("},"methods":[)" + method("seven") + ',' + method("echo") +
+               std::string(PROGRAM_VERSION) + R"("},"servers":[{"name":"zorbd","url":"http://127.0.0.1:)" +
+               std::to_string(zorbd.port()) + R"(/"}],"methods":[)" + method("seven") + ',' + method("echo") +
                ',' + method("fill") + ',' + method("refuse") + ',' + method("linger") + ',' + method("hold") +
                "]}}"));
 }

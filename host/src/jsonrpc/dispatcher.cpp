@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jsonrpc/dispatcher.h"
 
+#include "plugins/param_check.h"
 #include "plugins/running_plugin.h"
 #include "json/json_parser.h"
 
@@ -105,6 +106,9 @@ CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, bool&
     is_known = found.method != nullptr;
     if (!is_known)
         return unknown_method(request.method, found.may_still_come);
+    if (found.params != nullptr)
+        if (const auto fault = found.params->apply(value))
+            return RpcError{RpcErrorCode::invalid_params, request.method + ": " + *fault};
     const RunningPlugin running(*found.plugin);
     return call_method(*found.method, request.method, value);
 }

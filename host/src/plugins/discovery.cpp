@@ -8,6 +8,7 @@
 
 #include "system/version.h"
 #include "zeb/api/CallbackMethod.h"
+#include "json/json_quote.h"
 #include "json/json_value.h"
 
 namespace zorbd {
@@ -42,20 +43,29 @@ void put_description(json_object* object, json_object* description)
 
 } // namespace
 
-std::string describe_method(const std::string& name, const zeb::api::CallbackMethod& method)
+JsonValue describe_method(const std::string& name, const zeb::api::CallbackMethod& method,
+                          json_object* described)
 {
-    const JsonValue object = default_method_object();
+    JsonValue object = default_method_object();
+    put_description(object.get(), described);
     const zeb::api::data::KX_JSON description = method.GetDescription().deep_copy();
     put_description(object.get(), description.get());
     put_member(object.get(), "name", json_string(name));
-    return json_text(object.get());
+    return object;
 }
 
-std::string openrpc_document(const std::vector<std::string>& method_objects)
+std::string openrpc_document(const std::vector<std::string>& method_objects,
+                             const std::vector<std::string>& servers)
 {
     std::string document = R"({"openrpc":"1.2.6","info":{"title":"zorbd","version":")" +
-                           std::string(version) + R"("},"methods":[)";
+                           std::string(version) + R"("},"servers":[)";
     const char* separator = "";
+    for (const std::string& server : servers) {
+        document += separator + (R"({"name":"zorbd","url":)" + quoted_json(server) + '}');
+        separator = ",";
+    }
+    document += R"(],"methods":[)";
+    separator = "";
     for (const std::string& method : method_objects) {
         document += separator + method;
         separator = ",";

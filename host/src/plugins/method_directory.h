@@ -11,12 +11,16 @@ class CallbackMethod;
 
 namespace zorbd {
 
+class ParamCheck;
+
 struct MethodLookup
 {
     /// Null when there is no such method now. It can be called until the directory's plug-ins are released.
     zeb::api::CallbackMethod* method = nullptr;
     /// The file of the plug-in that offers it; lives as long as the directory.
     const std::string* plugin = nullptr;
+    /// What its parameters are checked by; null when they are not. Lives as long as the directory.
+    const ParamCheck* params = nullptr;
     /// Whether a plug-in that might offer the name is still waiting for its service.
     bool may_still_come = false;
 };

@@ -2,6 +2,7 @@
 #include "plugins/plugin_set.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "plugins/discovery.h"
 #include "system/message_log.h"
@@ -24,7 +25,8 @@ void log_reserved(const std::string& file, const std::string& method)
 
 } // namespace
 
-PluginSet::PluginSet(const std::vector<std::string>& files, BindingPauses pauses)
+PluginSet::PluginSet(const std::vector<std::string>& files, BindingPauses pauses, bool check_params)
+    : m_check_params(check_params)
 {
     for (const std::string& file : files)
         m_plugins.push_back(std::make_unique<Plugin>(file, pauses));
@@ -38,6 +40,13 @@ PluginSet::~PluginSet()
     release();
     while (!m_plugins.empty())
         m_plugins.pop_back();
+}
+
+void PluginSet::set_servers(std::vector<std::string> servers)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_servers = std::move(servers);
+    publish(make_table(m_offers, m_bound));
 }
 
 void PluginSet::start()
@@ -68,8 +77,9 @@ MethodLookup PluginSet::find(const std::string& name) const
     const Table& now = table();
     const auto found = now.methods.find(name);
     if (found == now.methods.end())
-        return {nullptr, nullptr, !now.all_bound};
-    return {found->second.method, &m_plugins[found->second.plugin]->file(), false};
+        return {nullptr, nullptr, nullptr, !now.all_bound};
+    return {found->second.method, &m_plugins[found->second.plugin]->file(), found->second.params.get(),
+            false};
 }
 
 std::shared_ptr<const std::string> PluginSet::discovery_document() const
@@ -107,17 +117,34 @@ void PluginSet::take_offer(std::size_t index, const zeb::api::KX_RPCHandler& han
     log_conflicts(published, offers, index);
 }
 
-PluginSet::Offer PluginSet::make_offer(const std::string& file, const zeb::api::KX_RPCHandler& handler)
+PluginSet::Offer PluginSet::make_offer(const std::string& file, const zeb::api::KX_RPCHandler& handler) const
 {
+    const DescriptionFile described(file);
     Offer offer;
     for (zeb::api::CallbackMethod* method : handler.GetMethods()) {
         const std::string name = method->GetName();
         if (is_reserved(name))
             log_reserved(file, name);
         else
-            offer.push_back({name, method, describe_method(name, *method)});
+            offer.push_back(make_offered(described, *method));
     }
     return offer;
+}
+
+PluginSet::OfferedMethod PluginSet::make_offered(const DescriptionFile& described,
+                                                 zeb::api::CallbackMethod& method) const
+{
+    const std::string name = method.GetName();
+    const JsonValue description = describe_method(name, method, described.method(name));
+    const bool is_described = described.method(name) != nullptr;
+    std::shared_ptr<const ParamCheck> params;
+    try {
+        if (m_check_params && is_described)
+            params = std::make_shared<const ParamCheck>(member(description.get(), "params"));
+    } catch (const std::invalid_argument& error) {
+        log_message("parameters of " + name + " are not checked: " + error.what());
+    }
+    return {name, &method, json_text(description.get()), std::move(params)};
 }
 
 std::unique_ptr<const PluginSet::Table> PluginSet::make_table(const std::vector<Offer>& offers,
@@ -128,13 +155,14 @@ std::unique_ptr<const PluginSet::Table> PluginSet::make_table(const std::vector<
     for (std::size_t i = 0; i < offers.size(); ++i) {
         PluginStatus status{m_plugins[i]->file(), bound[i], 0};
         for (const OfferedMethod& offered : offers[i])
-            if (made->methods.try_emplace(offered.name, ServedMethod{offered.method, i}).second) {
+            if (made->methods.try_emplace(offered.name, ServedMethod{offered.method, i, offered.params})
+                    .second) {
                 descriptions.push_back(offered.description);
                 ++status.methods;
             }
         made->plugins.push_back(std::move(status));
     }
-    made->document = std::make_shared<const std::string>(openrpc_document(descriptions));
+    made->document = std::make_shared<const std::string>(openrpc_document(descriptions, m_servers));
     made->all_bound = std::find(bound.begin(), bound.end(), false) == bound.end();
     return made;
 }

@@ -37,14 +37,16 @@ std::optional<BearerToken> read_token(const std::optional<std::string>& file)
 Daemon::Daemon(const Options& options)
     : m_feed(options.events), m_streams(m_feed, options.plugins.size() == 1 ? options.plugins.front() : ""),
       m_access_log(options.access_log, m_streams.output()), m_calls(m_metrics, m_feed, m_access_log.lines()),
-      m_plugins(options.plugins, options.binding_pauses), m_dispatcher(m_plugins, options.dispatch),
-      m_connections(options.connections), m_workers(options.threads, options.max_outstanding)
+      m_plugins(options.plugins, options.binding_pauses, options.check_params),
+      m_dispatcher(m_plugins, options.dispatch), m_connections(options.connections),
+      m_workers(options.threads, options.max_outstanding)
 {
     if (options.tcp)
         m_tcp.emplace(*options.tcp);
     if (options.unix_socket)
         m_unix.emplace(*options.unix_socket, options.unix_access);
     std::optional<BearerToken> token = read_token(options.token_file);
+    m_plugins.set_servers(addresses());
     m_plugins.start();
     add_routes(options.console);
     if (m_tcp)
@@ -103,13 +105,21 @@ std::string Daemon::metrics_page()
     return text.text();
 }
 
+std::vector<std::string> Daemon::addresses() const
+{
+    std::vector<std::string> all;
+    if (m_tcp)
+        all.push_back("http://" + to_text(m_tcp->address()) + '/');
+    if (m_unix)
+        all.push_back("unix:" + m_unix->path());
+    return all;
+}
+
 std::string Daemon::where() const
 {
     std::string text;
-    if (m_tcp)
-        text = "http://" + to_text(m_tcp->address()) + '/';
-    if (m_unix)
-        text += (text.empty() ? "unix:" : " and unix:") + m_unix->path();
+    for (const std::string& address : addresses())
+        text += (text.empty() ? "" : " and ") + address;
     return text;
 }
 

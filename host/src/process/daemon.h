@@ -46,6 +46,7 @@ public:
     void flush_streams() const { m_streams.flush(); }
 
 private:
+    std::vector<std::string> addresses() const;
     std::string metrics_page();
     void add_routes(bool console);
     void add_listener(int socket, AccessRules rules);

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <map>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -162,6 +163,11 @@ void add_plugins(CLI::App& app, Options& options)
         ->type_name("FILE")
         ->required()
         ->allow_extra_args(false);
+    app.add_option("--check-params", options.check_params,
+                   "Whether params are checked against the description that stands beside a plug-in")
+        ->type_name("on|off")
+        ->default_str("on")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, bool>{{"on", true}, {"off", false}}));
     add_number(app, "--discovery-timeout", options.discovery_timeout, -1, 3600,
                "Seconds for which a plug-in looks for its remote service before it counts as not bound; -1 "
                "for ever");
