@@ -26,7 +26,8 @@ def meta_schema(build):
     """The meta-schema of OpenRPC, which refers to that of JSON Schema."""
     openrpc = schema_of(npm_package(build, "@open-rpc/meta-schema", "1.14.9"))
     json_schema = schema_of(npm_package(build, "@json-schema-tools/meta-schema", "1.8.0"))
-    resolver = jsonschema.RefResolver.from_schema(openrpc, store={"https://meta.json-schema.tools/": json_schema})
+    resolver = jsonschema.RefResolver.from_schema(openrpc, store={
+        "https://meta.json-schema.tools": json_schema, "https://meta.json-schema.tools/": json_schema})
     return jsonschema.Draft7Validator(openrpc, resolver=resolver)
 
 
