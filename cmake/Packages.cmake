@@ -51,7 +51,7 @@ it is built on: the host framework, the remote interface and the RMI layer."
     DEPENDS ${c_and_cpp} "libddsc0debian (>= 0.10.2)" "libjson-c5 (>= 0.15)" CONTROL varnelrpc/triggers)
 debian_package(zorbd zorbd net "host daemon for JSON-RPC plug-ins
 Loads plug-ins and serves their methods as JSON-RPC 2.0 over HTTP."
-    DEPENDS ${same_build} ${c_and_cpp} "libjson-c5 (>= 0.15)"
+    DEPENDS ${same_build} ${c_and_cpp} "libjson-c5 (>= 0.15)" "libssl3 (>= 3.0.0)"
     CONTROL zorbd/conffiles zorbd/postinst zorbd/prerm)
 debian_package(varnelde varnelde net "server with a simulated Varnel sensor network
 Offers the remote interface of the Varnel plug-in, for development and tests."

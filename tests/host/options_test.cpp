@@ -211,9 +211,21 @@ const Mistake mistakes[] = {
     {"port_with_a_tail", {"--listen", "127.0.0.1:80x"}, "--listen: '80x' is no port"},
     {"host_name", {"--listen", "device:80"}, "--listen: 'device' is no IPv4 or IPv6 address"},
     {"no_brackets", {"--listen", "::1:80"}, "--listen: an IPv6 address must stand in brackets"},
-    {"every_address_without_a_token", {"--listen", "0.0.0.0:80"}, "--listen: 0.0.0.0:80 can be reached"},
-    {"ipv6_without_a_token", {"--listen", "[::]:80"}, "--listen: [::]:80 can be reached"},
-    {"lan_without_a_token", {"--listen", "192.0.2.1:80"}, "--listen: 192.0.2.1:80 can be reached"},
+    {"every_address_without_tls", {"--listen", "0.0.0.0:80", "--token-file", "t"}, "without TLS everyone"},
+    {"ipv6_without_tls", {"--listen", "[::]:80", "--token-file", "t"}, "--listen: [::]:80 can be reached"},
+    {"lan_without_tls", {"--listen", "192.0.2.1:80", "--token-file", "t"}, "--allow-plain-http if that"},
+    {"lan_without_a_token",
+     {"--listen", "192.0.2.1:80", "--tls-certificate", "c", "--tls-key", "k"},
+     "give --token-file or --tls-client-ca"},
+    {"plain_http_without_a_token",
+     {"--listen", "192.0.2.1:80", "--allow-plain-http"},
+     "give --token-file or --tls-client-ca"},
+    {"certificate_without_a_key", {"--tls-certificate", "c"}, "--tls-key: is needed"},
+    {"key_without_a_certificate", {"--tls-key", "k"}, "--tls-certificate: is needed"},
+    {"client_authority_alone", {"--tls-client-ca", "a"}, "--tls-certificate: is needed"},
+    {"tls_without_an_address",
+     {"--unix-socket", "s", "--tls-certificate", "c", "--tls-key", "k"},
+     "--tls-certificate: is for --listen"},
     {"no_threads", {"--threads", "0"}, "--threads"},
     {"negative_threads", {"--threads", "-1"}, "--threads"},
     {"no_outstanding_work", {"--max-outstanding", "0"}, "--max-outstanding"},
@@ -244,10 +256,19 @@ TEST(options, need_a_plugin)
     EXPECT_THAT(reading.complaint, HasSubstr("--plugin is required"));
 }
 
-TEST(options, let_other_machines_in_when_a_token_is_asked_for)
+TEST(options, let_other_machines_in_when_they_are_known_and_nobody_reads_along)
 {
-    EXPECT_EQ(to_text(*options_of({"--plugin", "a.so", "--listen", "0.0.0.0:80", "--token-file", "t"}).tcp),
+    const std::vector<const char*> reachable = {"--plugin", "a.so", "--listen", "0.0.0.0:80"};
+    const auto address_with = [&reachable](std::vector<const char*> more) {
+        more.insert(more.begin(), reachable.begin(), reachable.end());
+        const Options options = options_of(more);
+        return zorbd::to_text(*options.tcp);
+    };
+
+    EXPECT_EQ(address_with({"--token-file", "t", "--tls-certificate", "c", "--tls-key", "k"}), "0.0.0.0:80");
+    EXPECT_EQ(address_with({"--tls-client-ca", "a", "--tls-certificate", "c", "--tls-key", "k"}),
               "0.0.0.0:80");
+    EXPECT_EQ(address_with({"--token-file", "t", "--allow-plain-http"}), "0.0.0.0:80");
     EXPECT_EQ(to_text(*options_of({"--plugin", "a.so", "--listen", "127.9.9.9:80"}).tcp), "127.9.9.9:80");
 }
 

@@ -54,7 +54,7 @@ public:
     explicit ZorbdProcess(const Options& options = {}, const Environment& environment = {})
         : ChildProcess(start_zorbd(with_defaults(options), environment))
     {
-        const auto line = wait_for_error_line("zorbd: ready on http://127.0.0.1:");
+        const auto line = wait_for_error_line("zorbd: ready on http");
         if (!line)
             throw std::runtime_error("zorbd is not ready: " + error_output());
         m_port = static_cast<std::uint16_t>(std::stoul(line->substr(line->find("127.0.0.1:") + 10)));

@@ -15,6 +15,8 @@ std::string members_of(const EndedCall& call)
     const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(call.duration).count();
     std::string members = "\"method\":" + quoted_json(call.method) + ",\"id\":";
     members += call.id.empty() ? "null" : call.id;
+    if (!call.token.empty())
+        members += ",\"token\":" + quoted_json(call.token);
     return members + ",\"duration_us\":" + std::to_string(micros) + ",\"code\":" + std::to_string(call.code);
 }
 

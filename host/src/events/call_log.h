@@ -15,7 +15,8 @@ namespace zorbd {
 /// A call that has ended.
 struct EndedCall
 {
-    std::string_view peer;   ///< who made it
+    std::string_view peer;   ///< the address that it came from
+    std::string_view token;  ///< the name of the caller's token; empty when it has none
     std::string_view method; ///< empty when nobody offers it
     std::string_view id;     ///< JSON text; empty for a notification
     std::chrono::nanoseconds duration{};

@@ -11,28 +11,48 @@
 namespace zorbd {
 namespace {
 
-/// Tells of the calls of one request.
-class ReportedCalls : public CallObserver
+/// Judges and tells of the calls of one request.
+class JudgedCalls : public CallObserver
 {
 public:
-    ReportedCalls(CallLog& log, std::string_view peer) : m_log(log), m_peer(peer) {}
+    /// `token` may be null: then nothing is refused.
+    JudgedCalls(CallLog& log, std::string_view peer, const Token* token)
+        : m_log(log), m_peer(peer), m_token(token)
+    {
+    }
+
+    std::string refusal_of(std::string_view method) const override
+    {
+        if (m_token == nullptr || method == "rpc.discover" || m_token->allows(method))
+            return {};
+        return std::string(method) + ": the token '" + m_token->name + "' does not allow this method";
+    }
 
     void call_ended(const CallRecord& call) noexcept override
     {
-        m_log.add({m_peer, call.method, call.id, call.duration, call.code});
+        ++(call.code == static_cast<int>(RpcErrorCode::refused) ? m_refused : m_others);
+        const std::string_view name = m_token == nullptr ? std::string_view() : m_token->name;
+        m_log.add({m_peer, name, call.method, call.id, call.duration, call.code});
     }
+
+    /// Whether each of them was outside the caller's rights.
+    bool all_refused() const { return m_refused > 0 && m_others == 0; }
 
 private:
     CallLog& m_log;
     const std::string_view m_peer;
+    const Token* const m_token;
+    unsigned m_refused = 0;
+    unsigned m_others = 0;
 };
 
 } // namespace
 
 CallExchange::CallExchange(const Dispatcher& dispatcher, CallLog& log, IoThreads& threads, DoneCalls& done,
-                           HttpConnection& connection, std::string body)
+                           HttpConnection& connection, std::string body, std::shared_ptr<const Token> token)
     : asks(&connection), m_dispatcher(dispatcher), m_log(log), m_threads(threads), m_done(done),
-      m_body(std::move(body)), m_peer(log.needs_peer() ? peer_text(connection.socket()) : std::string())
+      m_body(std::move(body)), m_peer(log.needs_peer() ? peer_text(connection.socket()) : std::string()),
+      m_token(std::move(token))
 {
 }
 
@@ -40,8 +60,9 @@ void CallExchange::run()
 {
     const auto begin = IoThreads::Clock::now();
     try {
-        ReportedCalls reported(m_log, m_peer);
-        answer = m_dispatcher.answer(m_body, &reported);
+        JudgedCalls calls(m_log, m_peer, m_token.get());
+        answer = m_dispatcher.answer(m_body, &calls);
+        was_refused = calls.all_refused();
     } catch (const std::exception& error) {
         answer = error_response({RpcErrorCode::internal_error, error.what()});
     }

@@ -2,10 +2,12 @@
 #ifndef ZORBD_CALL_EXCHANGE_H
 #define ZORBD_CALL_EXCHANGE_H
 
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "events/call_log.h"
+#include "http/token.h"
 #include "http/worker_pool.h"
 #include "jsonrpc/dispatcher.h"
 
@@ -29,7 +31,7 @@ class CallExchange : public Work
 {
 public:
     CallExchange(const Dispatcher& dispatcher, CallLog& log, IoThreads& threads, DoneCalls& done,
-                 HttpConnection& connection, std::string body);
+                 HttpConnection& connection, std::string body, std::shared_ptr<const Token> token);
 
     void run() override;
     void deliver() override;
@@ -40,6 +42,8 @@ public:
     CallExchange* next = nullptr;
     /// To be read when the exchange has been taken back; nothing when there is nothing to answer.
     std::optional<std::string> answer;
+    /// The same: the caller's token allows none of the calls.
+    bool was_refused = false;
 
 private:
     const Dispatcher& m_dispatcher;
@@ -47,7 +51,8 @@ private:
     IoThreads& m_threads;
     DoneCalls& m_done;
     const std::string m_body;
-    const std::string m_peer; ///< where that is needed
+    const std::string m_peer;                   ///< where that is needed
+    const std::shared_ptr<const Token> m_token; ///< null where none is asked for
 };
 
 } // namespace zorbd

@@ -71,18 +71,21 @@ HttpConnection::Fate HttpConnection::handle_events(std::uint32_t events)
         return Fate::ends; // nobody is there to be answered
     if ((events & EPOLLRDHUP) != 0)
         m_half_closed = true;
-    if ((events & (EPOLLIN | EPOLLRDHUP)) != 0)
+    if ((events & (EPOLLIN | EPOLLRDHUP)) != 0 ||
+        ((events & EPOLLOUT) != 0 && m_transport->receive_waits_for_room()))
         m_may_read = true;
     return proceed();
 }
 
-HttpConnection::Fate HttpConnection::take_answer(std::optional<std::string> answer)
+HttpConnection::Fate HttpConnection::take_answer(std::optional<std::string> answer, bool was_refused)
 {
     m_call = nullptr;
+    if (was_refused)
+        m_services.count_refusal(403);
     if (answer)
-        respond({200, std::move(*answer)});
+        respond({was_refused ? 403U : 200U, std::move(*answer)});
     else
-        respond({204, {}});
+        respond({was_refused ? 403U : 204U, {}});
     return proceed();
 }
 
@@ -188,7 +191,8 @@ void HttpConnection::decide()
     const auto decision = m_services.gate().check(head);
     if (const auto* refusal = std::get_if<Refusal>(&decision))
         return refuse(*refusal);
-    m_route = std::get<const Route*>(decision);
+    m_route = std::get<Admission>(decision).route;
+    m_token = std::get<Admission>(decision).token;
     m_parser.limit_body(m_services.gate().max_body());
     if (!m_route->is_public && !std::exchange(m_is_known, true))
         m_place.set_known();
@@ -212,7 +216,7 @@ void HttpConnection::submit()
     if (!m_place.enter(ConnectionPhase::working))
         return refuse_busy("the server stops");
     m_is_overdue = false;
-    m_call = m_services.start_call(*this, std::move(m_parser.body()));
+    m_call = m_services.start_call(*this, std::move(m_parser.body()), std::move(m_token));
     if (m_call == nullptr)
         return refuse_busy("too many calls are outstanding");
     m_stage = Stage::working;

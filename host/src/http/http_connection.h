@@ -27,7 +27,8 @@ public:
     virtual ~ConnectionServices() = default;
     virtual const RequestGate& gate() const = 0;
     /// Starts a call; null when too many are outstanding.
-    virtual CallExchange* start_call(HttpConnection& connection, std::string body) = 0;
+    virtual CallExchange* start_call(HttpConnection& connection, std::string body,
+                                     std::shared_ptr<const Token> token) = 0;
     /// A request was not answered as it wanted to be.
     virtual void count_refusal(unsigned status) noexcept = 0;
     /// What makes the server call proceed() on a connection. It may be called on any thread, and when the
@@ -56,8 +57,8 @@ public:
 
     /// `events` are epoll's, as edges.
     Fate handle_events(std::uint32_t events);
-    /// The call is done.
-    Fate take_answer(std::optional<std::string> answer);
+    /// The call is done, or was refused.
+    Fate take_answer(std::optional<std::string> answer, bool was_refused);
     /// As far as it goes without waiting; after a stream has asked for it.
     Fate proceed();
     /// Answers a call that takes too long, if there is one.
@@ -91,13 +92,14 @@ private:
     ConnectionRegistry::Place m_place; ///< stands behind the transport, to be given up before it
     RequestParser m_parser;
     Stage m_stage = Stage::reading;
-    bool m_may_read = true;         ///< there may be something to read, or the end
-    bool m_half_closed = false;     ///< the client sends no more, though not all may have been read
-    bool m_is_known = false;        ///< a request has been admitted
-    bool m_waits = false;           ///< the registry knows that a request, or an answer, takes its time
-    bool m_keeps_alive = true;      ///< after this answer
-    const Route* m_route = nullptr; ///< of the request, once it has been admitted
-    CallExchange* m_call = nullptr; ///< in Stage::working
+    bool m_may_read = true;               ///< there may be something to read, or the end
+    bool m_half_closed = false;           ///< the client sends no more, though not all may have been read
+    bool m_is_known = false;              ///< a request has been admitted
+    bool m_waits = false;                 ///< the registry knows that a request, or an answer, takes its time
+    bool m_keeps_alive = true;            ///< after this answer
+    const Route* m_route = nullptr;       ///< of the request, once it has been admitted
+    std::shared_ptr<const Token> m_token; ///< that it has shown, until its call begins
+    CallExchange* m_call = nullptr;       ///< in Stage::working
     std::atomic<bool> m_is_overdue{false};
     std::unique_ptr<ResponseStream> m_stream; ///< the answer's, until it has ended
     std::string m_unread;                     ///< has come, but has not been taken in

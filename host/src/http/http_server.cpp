@@ -63,10 +63,11 @@ void HttpServer::take_in(std::unique_ptr<Transport> transport, ConnectionRegistr
     put([&](Inbox& inbox) { inbox.connections.push_back(std::move(connection)); });
 }
 
-CallExchange* HttpServer::start_call(HttpConnection& connection, std::string body)
+CallExchange* HttpServer::start_call(HttpConnection& connection, std::string body,
+                                     std::shared_ptr<const Token> token)
 {
     auto call = std::make_unique<CallExchange>(m_services.dispatcher, m_services.calls, *m_threads, *this,
-                                               connection, std::move(body));
+                                               connection, std::move(body), std::move(token));
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         ++m_calls;
@@ -142,7 +143,7 @@ void HttpServer::handle(Inbox& inbox)
     while (inbox.done != nullptr) {
         const auto done = take_first(inbox.done);
         if (HttpConnection* asks = done->asks)
-            advance(*asks, [&] { return asks->take_answer(std::move(done->answer)); });
+            advance(*asks, [&] { return asks->take_answer(std::move(done->answer), done->was_refused); });
     }
     for (const HttpConnection* woken : inbox.woken)
         if (const auto found = m_connections.find(woken); found != m_connections.end())

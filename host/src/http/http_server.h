@@ -64,7 +64,8 @@ private:
     };
 
     const RequestGate& gate() const override { return m_gate; }
-    CallExchange* start_call(HttpConnection& connection, std::string body) override;
+    CallExchange* start_call(HttpConnection& connection, std::string body,
+                             std::shared_ptr<const Token> token) override;
     void count_refusal(unsigned status) noexcept override;
     std::function<void()> wake_of(const HttpConnection& connection) override;
     void note_overdue() noexcept override;

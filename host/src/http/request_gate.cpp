@@ -4,6 +4,7 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <ctime>
 #include <utility>
 
 namespace zorbd {
@@ -60,21 +61,26 @@ RequestGate::RequestGate(const RouteTable& routes, AccessRules rules)
 {
 }
 
-std::variant<const Route*, Refusal> RequestGate::check(const RequestHead& head) const
+std::variant<Admission, Refusal> RequestGate::check(const RequestHead& head) const
 {
     if (auto refusal = check_name(head))
         return std::move(*refusal);
     const Route* route = m_routes.find(head.method, head.path);
     if (route != nullptr && route->is_public)
-        return route;
+        return Admission{route, nullptr};
     if (auto refusal = check_sender(head))
+        return std::move(*refusal);
+    auto token = find_token(head);
+    if (auto* refusal = std::get_if<Refusal>(&token))
         return std::move(*refusal);
     if (route == nullptr)
         return not_here(head);
-    if (std::holds_alternative<TakesCalls>(route->action))
-        if (auto refusal = check_call(head))
-            return std::move(*refusal);
-    return route;
+    Admission admission{route, std::get<std::shared_ptr<const Token>>(std::move(token))};
+    if (auto refusal = std::holds_alternative<TakesCalls>(route->action)
+                           ? check_call(head)
+                           : check_page(*route, admission.token.get()))
+        return std::move(*refusal);
+    return admission;
 }
 
 Refusal RequestGate::not_here(const RequestHead& head) const
@@ -99,10 +105,20 @@ std::optional<Refusal> RequestGate::check_sender(const RequestHead& head) const
 {
     if (const auto origin = head.field("Origin"); origin && !is_own_page(*origin, authority_of(head)))
         return Refusal{403, "requests of web pages of another origin are not taken"};
-    const auto authorization = head.field("Authorization");
-    if (m_rules.token && !(authorization && m_rules.token->admits(*authorization)))
-        return Refusal{401, "a valid bearer token is needed"};
     return std::nullopt;
+}
+
+std::variant<std::shared_ptr<const Token>, Refusal> RequestGate::find_token(const RequestHead& head) const
+{
+    if (m_rules.tokens == nullptr)
+        return nullptr;
+    const auto authorization = head.field("Authorization");
+    auto token = authorization ? m_rules.tokens->find(*authorization) : nullptr;
+    if (token == nullptr)
+        return Refusal{401, "a valid bearer token is needed"};
+    if (token->has_expired(std::time(nullptr)))
+        return Refusal{401, "the token '" + token->name + "' has expired"};
+    return token;
 }
 
 /// A page that makes its own name point here (DNS rebinding) still sends that name.
@@ -134,9 +150,17 @@ bool RequestGate::is_own_page(std::string_view origin, std::string_view authorit
     const std::size_t colon = page.rfind(':');
     const bool is_of_this_port =
         colon != std::string_view::npos && page.substr(colon + 1) == std::to_string(m_rules.address->port);
-    if (equal_ignoring_case(origin.substr(0, separator), "http"))
+    if (equal_ignoring_case(origin.substr(0, separator), m_rules.scheme))
         return equal_ignoring_case(page, authority) || (is_of_this_port && is_own_name(page));
     return is_server_name(host_of(page)) && equal_ignoring_case(page, authority);
+}
+
+/// What is read tells of the calls of others, but for health.
+std::optional<Refusal> RequestGate::check_page(const Route& route, const Token* token)
+{
+    if (token == nullptr || route.path == "/healthz" || token->allows(route.path))
+        return std::nullopt;
+    return Refusal{403, "the token '" + token->name + "' does not allow " + route.path};
 }
 
 std::optional<Refusal> RequestGate::check_call(const RequestHead& head) const

@@ -28,6 +28,9 @@ public:
     virtual void end_sending() = 0;
     /// Whether a receive() that gave less than there was room for has left nothing behind in the socket.
     virtual bool drains_by_short_read() const = 0;
+    /// Whether the last receive() has given EAGAIN because something must be sent first, for which there is
+    /// no room.
+    virtual bool receive_waits_for_room() const { return false; }
 };
 
 /// Bytes as they are.

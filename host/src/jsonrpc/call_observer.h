@@ -3,6 +3,7 @@
 #define ZORBD_CALL_OBSERVER_H
 
 #include <chrono>
+#include <string>
 #include <string_view>
 
 namespace zorbd {
@@ -16,12 +17,15 @@ struct CallRecord
     int code = 0; ///< of the error; 0 when there is a result
 };
 
-/// Is told of each call as it ends, on the thread that ran it and before its answer is sent. No operation may
-/// throw or wait.
+/// Decides who may call what, and is told of each call as it ends, on the thread that ran it and before its
+/// answer is sent. No operation may wait.
 class CallObserver
 {
 public:
     virtual ~CallObserver() = default;
+
+    /// Why the method must not be called; empty when it may be.
+    virtual std::string refusal_of(std::string_view method) const = 0;
 
     virtual void call_ended(const CallRecord& call) noexcept = 0;
 };

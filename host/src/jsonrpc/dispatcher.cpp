@@ -88,7 +88,7 @@ std::optional<std::string> Dispatcher::answer_single(json_object* value, CallObs
     const auto& request = std::get<RpcRequest>(read);
     const auto begin = std::chrono::steady_clock::now();
     bool is_known = true;
-    const CallOutcome outcome = run(request, value, is_known);
+    const CallOutcome outcome = run(request, value, observer, is_known);
     if (observer != nullptr)
         observer->call_ended({is_known ? request.method : std::string_view(),
                               request.id ? *request.id : std::string_view(),
@@ -98,8 +98,14 @@ std::optional<std::string> Dispatcher::answer_single(json_object* value, CallObs
     return response(outcome, *request.id);
 }
 
-CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, bool& is_known) const
+CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, const CallObserver* observer,
+                            bool& is_known) const
 {
+    if (observer != nullptr)
+        if (std::string refusal = observer->refusal_of(request.method); !refusal.empty()) {
+            is_known = m_methods.find(request.method).method != nullptr;
+            return RpcError{RpcErrorCode::refused, std::move(refusal)};
+        }
     if (request.method == "rpc.discover")
         return *m_methods.discovery_document();
     const MethodLookup found = m_methods.find(request.method);

@@ -35,7 +35,8 @@ private:
     std::optional<std::string> answer_value(json_object* value, CallObserver* observer) const;
     std::optional<std::string> answer_batch(json_object* batch, CallObserver* observer) const;
     std::optional<std::string> answer_single(json_object* value, CallObserver* observer) const;
-    CallOutcome run(const RpcRequest& request, json_object* value, bool& is_known) const;
+    CallOutcome run(const RpcRequest& request, json_object* value, const CallObserver* observer,
+                    bool& is_known) const;
 
     const MethodDirectory& m_methods;
     DispatchLimits m_limits;

@@ -10,6 +10,7 @@
 #include "http/console_routes.h"
 #include "http/event_stream.h"
 #include "plugins/health_report.h"
+#include "system/message_log.h"
 
 namespace zorbd {
 namespace {
@@ -25,13 +26,6 @@ unsigned servers_per_listener()
 /// How long a listener may take to see the end of its stream.
 constexpr std::chrono::milliseconds end_of_streams{500};
 
-std::optional<BearerToken> read_token(const std::optional<std::string>& file)
-{
-    if (!file)
-        return std::nullopt;
-    return BearerToken::from_file(*file);
-}
-
 } // namespace
 
 Daemon::Daemon(const Options& options)
@@ -45,15 +39,19 @@ Daemon::Daemon(const Options& options)
         m_tcp.emplace(*options.tcp);
     if (options.unix_socket)
         m_unix.emplace(*options.unix_socket, options.unix_access);
-    std::optional<BearerToken> token = read_token(options.token_file);
+    if (options.token_file)
+        m_tokens = std::make_shared<TokenStore>(*options.token_file);
+    if (options.tls)
+        m_tls.emplace(*options.tls);
     m_plugins.set_servers(addresses());
     m_plugins.start();
     add_routes(options.console);
     if (m_tcp)
         add_listener(m_tcp->fd(),
-                     {std::move(token), m_tcp->address(), options.server_names, options.max_body});
+                     {m_tokens, m_tcp->address(), options.server_names, options.max_body, scheme()},
+                     m_tls ? &*m_tls : nullptr);
     if (m_unix) // its file mode says who may use it, so it asks for no token
-        add_listener(m_unix->fd(), {std::nullopt, std::nullopt, {}, options.max_body});
+        add_listener(m_unix->fd(), {nullptr, std::nullopt, {}, options.max_body}, nullptr);
     m_acceptor.emplace(m_listeners, m_connections, m_metrics);
 }
 
@@ -72,14 +70,16 @@ void Daemon::add_routes(bool console)
         add_console_routes(m_routes);
 }
 
-void Daemon::add_listener(int socket, AccessRules rules)
+void Daemon::add_listener(int socket, AccessRules rules, const TlsContext* tls)
 {
-    const bool needs_token = rules.token.has_value();
+    const bool needs_token = rules.tokens != nullptr;
     m_gates.push_back(std::make_unique<RequestGate>(m_routes, std::move(rules)));
-    const auto plain = [](FileDescriptor accepted) {
+    const auto make_transport = [tls](FileDescriptor accepted) -> std::unique_ptr<Transport> {
+        if (tls != nullptr)
+            return tls->make_transport(std::move(accepted));
         return std::make_unique<PlainTransport>(std::move(accepted));
     };
-    Listener listener{socket, needs_token, true, plain, {}};
+    Listener listener{socket, needs_token, tls == nullptr, make_transport, {}};
     for (unsigned i = 0; i < servers_per_listener(); ++i) {
         m_servers.push_back(std::make_unique<HttpServer>(
             *m_gates.back(), HttpServices{m_dispatcher, m_workers, m_metrics, m_calls}));
@@ -105,11 +105,16 @@ std::string Daemon::metrics_page()
     return text.text();
 }
 
+std::string Daemon::scheme() const
+{
+    return m_tls ? "https" : "http";
+}
+
 std::vector<std::string> Daemon::addresses() const
 {
     std::vector<std::string> all;
     if (m_tcp)
-        all.push_back("http://" + to_text(m_tcp->address()) + '/');
+        all.push_back(scheme() + "://" + to_text(m_tcp->address()) + '/');
     if (m_unix)
         all.push_back("unix:" + m_unix->path());
     return all;
@@ -121,6 +126,22 @@ std::string Daemon::where() const
     for (const std::string& address : addresses())
         text += (text.empty() ? "" : " and ") + address;
     return text;
+}
+
+void Daemon::reload()
+{
+    const auto attempt = [](auto& part, const std::string& what) {
+        try {
+            part.reload();
+            log_message(what + " been read again");
+        } catch (const std::exception& error) {
+            log_message(std::string(error.what()) + "; what was read before stays in use");
+        }
+    };
+    if (m_tls)
+        attempt(*m_tls, "TLS certificate and key have");
+    if (m_tokens != nullptr)
+        attempt(*m_tokens, "tokens have");
 }
 
 void Daemon::refuse_calls()

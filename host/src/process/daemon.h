@@ -14,6 +14,7 @@
 #include "http/listen_socket.h"
 #include "http/request_gate.h"
 #include "http/route_table.h"
+#include "http/tls_context.h"
 #include "http/worker_pool.h"
 #include "jsonrpc/dispatcher.h"
 #include "plugins/plugin_set.h"
@@ -34,6 +35,11 @@ public:
     /// Where it serves, for people.
     std::string where() const;
 
+    /// Whether there is something that reload() reads: TLS certificates or tokens.
+    bool can_reload() const { return m_tls || m_tokens != nullptr; }
+    /// Reads it again, and says so, or what is wrong with it; what cannot be read stays as it was.
+    void reload();
+
     /// Takes no further connections and calls, and makes no further attempt to bind. Does not wait.
     void refuse_calls();
 
@@ -49,7 +55,8 @@ private:
     std::vector<std::string> addresses() const;
     std::string metrics_page();
     void add_routes(bool console);
-    void add_listener(int socket, AccessRules rules);
+    void add_listener(int socket, AccessRules rules, const TlsContext* tls);
+    std::string scheme() const;
 
     EventFeed m_feed;
     StandardStreams m_streams;
@@ -63,6 +70,8 @@ private:
     ConnectionRegistry m_connections;
     WorkerPool m_workers;
     RouteTable m_routes;
+    std::shared_ptr<TokenStore> m_tokens;
+    std::optional<TlsContext> m_tls;
     std::vector<std::unique_ptr<RequestGate>> m_gates;
     std::vector<std::unique_ptr<HttpServer>> m_servers;
     std::vector<Listener> m_listeners;

@@ -8,6 +8,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "process/daemon.h"
@@ -17,6 +18,7 @@
 #include "process/service_manager.h"
 #include "process/standard_streams.h"
 #include "process/stop_signals.h"
+#include "process/token_command.h"
 #include "system/message_log.h"
 #include "system/version.h"
 #include "zeb/api/mdw/KX_DDS_RMI_RUNTIME.h"
@@ -65,13 +67,25 @@ void announce_stop(int signal)
     _exit(exit_not_in_order);
 }
 
+/// Reads files again when SIGHUP asks for it; without such files it stops as the others do.
+int await_stop(const StopSignals& signals, Daemon& daemon)
+{
+    int signal = signals.wait();
+    while (signal == SIGHUP && daemon.can_reload()) {
+        daemon.reload();
+        signal = signals.wait();
+    }
+    signals.let_through();
+    return signal;
+}
+
 int serve_until_stopped(const Options& options)
 {
     StopSignals signals;
     prepare(options);
     Daemon daemon(options);
     announce_ready(daemon);
-    const int signal = signals.wait();
+    const int signal = await_stop(signals, daemon);
     daemon.refuse_calls();
     announce_stop(signal);
     if (!daemon.finish(std::chrono::steady_clock::now() + options.stop_timeout))
@@ -85,6 +99,8 @@ int main(int argc, char** argv)
 {
     zorbd::hold_closed_standard_streams();
     try {
+        if (argc > 1 && std::string_view(argv[1]) == "token")
+            return zorbd::run_token_command(argc - 1, argv + 1, std::cout);
         const auto read = zorbd::read_options(argc, argv, std::cout);
         if (const int* code = std::get_if<int>(&read))
             return *code;

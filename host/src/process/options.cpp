@@ -25,7 +25,7 @@ constexpr const char* purpose = "Loads plug-ins and serves their methods as JSON
                                 "method rpc.discover answers an\n"
                                 "OpenRPC document of all methods.";
 
-constexpr const char* footer = "Exit codes: 0 stopped in order (SIGTERM, SIGINT, SIGHUP), 1 could not start, "
+constexpr const char* footer = "Exit codes: 0 stopped in order (SIGTERM, SIGINT), 1 could not start, "
                                "2 wrong option or configuration,\n"
                                "3 stopped while a call or a plug-in's factory was still running. A second "
                                "signal ends the process at once.";
@@ -95,9 +95,8 @@ void add_listeners(CLI::App& app, Options& options)
            "--listen",
            option_with("--listen",
                        [&options](const std::string& text) { options.tcp = parse_tcp_address(text); }),
-           "TCP address to serve on; port 0 takes a free one. An address other than loopback needs "
-           "--token-file. "
-           "127.0.0.1:8080 when neither this nor --unix-socket is given")
+           "TCP address to serve on; port 0 takes a free one. An address other than loopback needs TLS, and "
+           "--token-file or --tls-client-ca. 127.0.0.1:8080 when neither this nor --unix-socket is given")
         ->type_name("ADDRESS:PORT");
     app.add_option("--unix-socket", options.unix_socket, "Path of a Unix socket to serve on")
         ->type_name("PATH");
@@ -115,9 +114,32 @@ void add_listeners(CLI::App& app, Options& options)
                                                      }),
                                          "Group of the Unix socket")
         ->type_name("NAME");
-    app.add_option("--token-file", options.token_file,
-                   "File with the bearer token that every request over TCP must show; not readable by others")
+    app.add_option(
+           "--token-file", options.token_file,
+           "File with the bearer tokens of which every request over TCP must show one; not readable by "
+           "others (see: zorbd token --help)")
         ->type_name("FILE");
+}
+
+void add_tls(CLI::App& app, Options& options)
+{
+    const auto file = [&app, &options](const char* name, std::string TlsFiles::*member, const char* help) {
+        const auto set = [&options, member](const std::string& path) {
+            if (!options.tls)
+                options.tls.emplace();
+            (*options.tls).*member = path;
+        };
+        app.add_option_function<std::string>(name, set, help)->type_name("FILE");
+    };
+    file("--tls-certificate", &TlsFiles::certificate,
+         "Serve HTTPS over TCP, with this certificate and those that lead to its authority (PEM); read again "
+         "on "
+         "SIGHUP");
+    file("--tls-key", &TlsFiles::key, "Its key (PEM, without a password); not readable by others");
+    file("--tls-client-ca", &TlsFiles::client_ca,
+         "Authorities of clients (PEM): every client must then show a certificate of one of them");
+    app.add_flag("--allow-plain-http", options.allow_plain_http,
+                 "Serve beyond loopback without TLS: for a network on which nobody else can read along");
 }
 
 void add_limits(CLI::App& app, Options& options)
@@ -178,15 +200,40 @@ void add_plugins(CLI::App& app, Options& options)
                 "How long a stop waits for running calls and factories");
 }
 
+void check_tls(const Options& options)
+{
+    if (!options.tls)
+        return;
+    if (options.tls->certificate.empty())
+        throw CLI::ValidationError("--tls-certificate", "is needed with the other --tls- options");
+    if (options.tls->key.empty())
+        throw CLI::ValidationError("--tls-key", "is needed with the other --tls- options");
+    if (!options.tcp)
+        throw CLI::ValidationError("--tls-certificate", "is for --listen; a Unix socket has no TLS");
+}
+
+/// For an address that others can reach.
+void check_reachable(const Options& options, const std::string& address)
+{
+    if (!options.tls && !options.allow_plain_http)
+        throw CLI::ValidationError(
+            "--listen", address + " can be reached from other machines, and without TLS everyone "
+                                  "on the way can read along; give --tls-certificate and --tls-key, "
+                                  "a loopback address, or --allow-plain-http if that is meant");
+    const bool knows_clients = options.token_file || (options.tls && !options.tls->client_ca.empty());
+    if (!knows_clients)
+        throw CLI::ValidationError("--listen",
+                                   address + " can be reached from other machines; give --token-file or "
+                                             "--tls-client-ca too, or a loopback address");
+}
+
 void check_together(Options& options)
 {
     if (!options.tcp && !options.unix_socket)
         options.tcp = TcpAddress{"127.0.0.1", default_port};
-    if (options.tcp && !is_loopback(*options.tcp) && !options.token_file)
-        throw CLI::ValidationError("--listen",
-                                   to_text(*options.tcp) +
-                                       " can be reached from other machines; give --token-file too, or "
-                                       "a loopback address");
+    check_tls(options);
+    if (options.tcp && !is_loopback(*options.tcp))
+        check_reachable(options, to_text(*options.tcp));
     options.connections.listening = options.events.heartbeat + options.connections.request;
     if (options.binding_pauses.longest < options.binding_pauses.first)
         throw CLI::ValidationError("--retry-pause-max", "must not be shorter than --retry-pause");
@@ -215,6 +262,7 @@ std::variant<Options, int> read_options(int argc, const char* const* argv, std::
     app.allow_config_extras(CLI::config_extras_mode::error);
     add_plugins(app, options);
     add_listeners(app, options);
+    add_tls(app, options);
     add_limits(app, options);
     add_events(app, options);
     try {

@@ -15,6 +15,7 @@
 #include "events/event_feed.h"
 #include "http/connection_registry.h"
 #include "http/listen_socket.h"
+#include "http/tls_context.h"
 #include "jsonrpc/dispatcher.h"
 #include "plugins/plugin.h"
 
@@ -29,6 +30,8 @@ struct Options
     UnixSocketAccess unix_access;
     std::optional<std::string> token_file;
     std::vector<std::string> server_names;
+    std::optional<TlsFiles> tls;
+    bool allow_plain_http = false; ///< also beyond loopback
 
     std::size_t threads = 4;
     std::size_t max_outstanding = 128;

@@ -13,12 +13,16 @@ StopSignals::StopSignals()
     pthread_sigmask(SIG_BLOCK, &m_set, nullptr);
 }
 
-int StopSignals::wait()
+int StopSignals::wait() const
 {
     int received = 0;
     sigwait(&m_set, &received);
-    pthread_sigmask(SIG_UNBLOCK, &m_set, nullptr);
     return received;
+}
+
+void StopSignals::let_through() const
+{
+    pthread_sigmask(SIG_UNBLOCK, &m_set, nullptr);
 }
 
 } // namespace zorbd

@@ -13,8 +13,10 @@ class StopSignals
 public:
     StopSignals();
 
-    /// Waits for one of them and returns its number. From then on a further one ends the process at once.
-    int wait();
+    /// Waits for one of them and returns its number.
+    int wait() const;
+    /// From now on one of them ends the process at once.
+    void let_through() const;
 
 private:
     sigset_t m_set{};

@@ -69,6 +69,13 @@ private:
                 {&m_server}};
     }
 
+    std::shared_ptr<const zorbd::TokenStore> make_tokens() const
+    {
+        const auto file = m_folder.write("token", "a-token-of-some-length");
+        std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+        return std::make_shared<const zorbd::TokenStore>(file);
+    }
+
     static zorbd::RouteTable make_routes()
     {
         zorbd::RouteTable routes;
@@ -89,10 +96,7 @@ private:
         {16, 16, 16, request_time, request_time, request_time, request_time, request_time}};
     const zorbd::RouteTable m_routes = make_routes();
     const zorbd::RequestGate m_gate{m_routes,
-                                    {zorbd::BearerToken("a-token-of-some-length"),
-                                     zorbd::TcpAddress{"127.0.0.1", 8080},
-                                     {"device"},
-                                     4096}};
+                                    {make_tokens(), zorbd::TcpAddress{"127.0.0.1", 8080}, {"device"}, 4096}};
     zorbd::EventFeed m_feed{{}};
     zorbd::Metrics m_metrics;
     zorbd::CallLog m_calls{m_metrics, m_feed, nullptr};
