@@ -7,7 +7,10 @@ rpc_request() {
     printf '{"jsonrpc": "2.0", "id": %d, "method": "%s"%s}' "$1" "$2" "${3:+, \"params\": $3}"
 }
 
+# How zorbd is reached, and curl's further options for it.
+rpc_scheme=http rpc_options=()
+
 # rpc_send <address> <request>: gives the response, or what curl has to say against it.
 rpc_send() {
-    curl --silent --show-error --noproxy '*' --max-time 30 --json "$2" "http://$1/" 2>&1
+    curl --silent --show-error --noproxy '*' --max-time 30 "${rpc_options[@]}" --json "$2" "$rpc_scheme://$1/" 2>&1
 }

@@ -71,8 +71,8 @@ TEST(pages, manual_has_every_option_and_no_other)
 TEST(pages, host_page_names_no_option_that_is_unknown)
 {
     std::set<std::string> allowed = options_in(help());
-    allowed.insert(
-        {"--json", "--unix-socket", "--oauth2-bearer", "--preset", "--build", "--install", "--prefix"});
+    allowed.insert({"--json", "--unix-socket", "--oauth2-bearer", "--cacert", "--file", "--methods",
+                    "--preset", "--build", "--install", "--prefix"});
 
     EXPECT_THAT(options_in(read_file(HOST_PAGE)), IsSubsetOf(allowed));
 }

@@ -20,6 +20,9 @@ expect "./demo refuses to wait for no time" exits_with 2 ./demo --patience 0
 output=$(./demo --programs "$build" 2>&1) || { echo "$output" && expect "./demo succeeds" false; }
 expect "./demo has got every reply" contains "$output" "all 14 replies have come"
 
+output=$(./demo --trust --programs "$build" 2>&1) || { echo "$output" && expect "./demo --trust succeeds" false; }
+expect "./demo --trust has got every reply" contains "$output" "all 14 replies have come"
+
 # The same with a host whose log loses one reply.
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
