@@ -1,0 +1,87 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# zorbctl against real programs: its commands, its output, its exit codes, completion, its manual page.
+# Usage: zorbctl_test.sh <build folder>
+set -euo pipefail
+build=$(cd "$1" && pwd)
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
+source tools/messages.sh
+source tools/processes.sh
+source tools/loopback_domain.sh
+source tests/system/assertions.sh
+
+folder=$(mktemp -d)
+trap 'stop_all; rm -rf "$folder"' EXIT
+use_loopback_domain "$folder"
+(umask 077 && echo a-token-of-some-length >"$folder/token")
+start "$folder/varnelde.log" "$build/bin/varnelde"
+start "$folder/zorbd.log" "$build/bin/zorbd" --listen 127.0.0.1:0 --unix-socket "$folder/socket" \
+    --token-file "$folder/token" --plugin "$build/lib/libvarnelrpc_1.0.2.so"
+follow "$folder/zorbd.log" $!
+expect "zorbd listens" await_line 60 'ready on (http://127\.0\.0\.1:[0-9]+/)'
+readonly url=${BASH_REMATCH[1]}
+export ZORBCTL_SOCKET=$folder/socket
+PATH=$build/bin:$PATH
+until zorbctl health >/dev/null; do :; done
+
+readonly node=02:00:00:00:00:01
+expect "list names methods and keys" contains "$(zorbctl list | tr -s ' ')" 'node_set_config mac_addr newCfg Configure a node'
+expect "list for programs" contains "$(zorbctl --output json list)" '"name":"network_commission"'
+described=$(zorbctl describe node_set_config_revert)
+expect "describe tells types" contains "$(tr -s ' ' <<<"$described")" 'duration integer, required'
+expect "describe tells the reply" contains "$described" 'async_node_set_config_revert returns: NUMBER'
+expect "describe gives an example" contains "$described" "zorbctl call node_set_config_revert mac_addr=$node"
+expect "health" contains "$(zorbctl health)" 'bound, 14 methods'
+
+expect "call answers" test "$(zorbctl call network_get_info)" = 0
+expect "call waits for its line" contains "$(zorbctl call network_commission mac_addr_list=$node --wait)" \
+    'async_net_commission returns: 1    (number of nodes)'
+expect "numbers keep their type" contains "$(zorbctl call node_set_config_revert mac_addr=$node newCfg=a=1 duration=30 --wait)" \
+    'async_node_set_config_revert returns: 1'
+expect "a whole params object" contains "$(zorbctl --output json call node_get_config --json "[\"$node\"]" --wait)" \
+    '"line":"async_node_get_config returns: 1"'
+expect "a failed reply has its meaning" contains "$(zorbctl call node_get_data mac_addr=02:00:00:00:00:99 --wait || true)" \
+    '-2    (unknown_node'
+expect "a wrong address is named" contains "$(zorbctl call node_get_data mac_addr=x 2>&1 || true)" '"mac_addr" is not valid'
+
+expect "code of a failed reply" exits_with 1 zorbctl call node_get_data mac_addr=02:00:00:00:00:99 --wait
+expect "code of an error" exits_with 1 zorbctl call node_get_data mac_addr=x
+expect "code of a wrong type" exits_with 2 zorbctl call node_set_config_revert mac_addr=$node newCfg=a=1 duration=soon
+expect "code of a word without =" exits_with 2 zorbctl call node_get_data $node
+expect "code of an unknown method" exits_with 2 zorbctl describe nobody
+expect "code of an unknown option" exits_with 2 zorbctl --nothing list
+expect "code without a host" exits_with 3 zorbctl --unix-socket "$folder/nowhere" list
+
+watched=$(zorbctl watch --after 0 --filter "returns: 1" --count 2)
+expect "watch filters" test "$(grep -c 'returns: 1$' <<<"$watched")" = 2
+expect "watch for programs" contains "$(zorbctl --output json watch --after 0 --count 1)" '{"event":"line","event_id":"1","time":'
+
+unset ZORBCTL_SOCKET
+expect "a token is needed over TCP" exits_with 3 zorbctl --url "$url" list
+expect "the token's file" zorbctl --url "$url" --token-file "$folder/token" health
+ZORBCTL_TOKEN=a-token-of-some-length expect "the token's variable" zorbctl --url "$url" health
+
+export ZORBCTL_SOCKET=$folder/socket
+source zorbctl/completion/zorbctl
+# completed <line>: what the shell would offer.
+completed() {
+    COMP_LINE=$1 COMP_POINT=${#1}
+    read -ra COMP_WORDS <<<"$1"
+    [[ $1 != *' ' ]] || COMP_WORDS+=('')
+    COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+    _zorbctl
+    echo "${COMPREPLY[*]}"
+}
+expect "commands complete" test "$(completed 'zorbctl wa')" = watch
+expect "methods complete" test "$(completed 'zorbctl call test_node_s')" = test_node_set_sensor_data
+expect "keys complete" test "$(completed 'zorbctl call test_node_create ')" = 'mac_addr= type='
+
+kill -STOP "${started[0]}" # the server
+expect "code of a reply that does not come" exits_with 4 zorbctl --timeout 1 call network_get_info --wait
+kill -CONT "${started[0]}"
+
+# Every option of the help stands in the manual page, and every option of the page in the help.
+help=$(zorbctl --help; for command in list describe call watch health; do zorbctl $command --help; done)
+options_in() { grep -oE -- '--[a-z-]+' | sort -u; }
+expect "the manual page has the options" diff <(options_in <<<"$help") <(sed 's/\\-/-/g' docs/man/zorbctl.1 | options_in)
+finish
