@@ -50,8 +50,9 @@ The plug-in that a JSON-RPC host such as zorbd loads, and the libraries that
 it is built on: the host framework, the remote interface and the RMI layer."
     DEPENDS ${c_and_cpp} "libddsc0debian (>= 0.10.2)" "libjson-c5 (>= 0.15)" CONTROL varnelrpc/triggers)
 debian_package(zorbd zorbd net "host daemon for JSON-RPC plug-ins
-Loads plug-ins and serves their methods as JSON-RPC 2.0 over HTTP."
-    DEPENDS ${same_build} ${c_and_cpp} "libjson-c5 (>= 0.15)" "libssl3 (>= 3.0.0)"
+Loads plug-ins and serves their methods as JSON-RPC 2.0 over HTTP;
+zorbctl calls them from the command line."
+    DEPENDS ${same_build} ${c_and_cpp} "libjson-c5 (>= 0.15)" "libssl3 (>= 3.0.0)" "libcurl4 (>= 7.85)"
     CONTROL zorbd/conffiles zorbd/postinst zorbd/prerm)
 debian_package(varnelde varnelde net "server with a simulated Varnel sensor network
 Offers the remote interface of the Varnel plug-in, for development and tests."
