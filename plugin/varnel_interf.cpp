@@ -54,9 +54,13 @@ void logCall(const char* operation)
     std::cout << "CALL RPC " << operation << std::endl;
 }
 
-// The two ways to start a remote operation. They differ in whether a call whose reply handler could not be
-// made has been logged. The RMI layer holds the handler for as long as the request is outstanding.
+// The two ways to start a remote operation, which take the parameters when they have been read. The RMI layer
+// holds the handler for as long as the request is outstanding. For each operation it is laid down which of
+// the two it takes, and nothing else tells: the operations that begin alike do not all take the same. A new
+// one takes logThenCall, unless a call is not to be logged before it is certain that its reply can be
+// received.
 
+/// The call is in the log even when its reply handler cannot be made.
 template <class Handler, class Result, class... Parameters, class... Arguments>
 int logThenCall(const shared_ptr<Proxy>& proxy, const char* operation, Result (Proxy::*start)(Parameters...),
                 Arguments... arguments)
@@ -67,6 +71,7 @@ int logThenCall(const shared_ptr<Proxy>& proxy, const char* operation, Result (P
     return 0;
 }
 
+/// No call is in the log whose reply handler cannot be made.
 template <class Handler, class Result, class... Parameters, class... Arguments>
 int makeHandlerThenCall(const shared_ptr<Proxy>& proxy, const char* operation,
                         Result (Proxy::*start)(Parameters...), Arguments... arguments)
@@ -83,23 +88,9 @@ struct Method
     zeb::api::RpcMethod<VarnelInterface>::Method function;
 };
 
-/// In the order in which the host sees them.
-const Method methods[] = {
-    {"network_commission", &VarnelInterface::network_commission},
-    {"network_decommission", &VarnelInterface::network_decommission},
-    {"network_get_info", &VarnelInterface::network_get_info},
-    {"network_add_nodes", &VarnelInterface::network_add_nodes},
-    {"network_remove_nodes", &VarnelInterface::network_remove_nodes},
-    {"advertising", &VarnelInterface::advertising},
-    {"node_get_data", &VarnelInterface::node_get_data},
-    {"node_set_config", &VarnelInterface::node_set_config},
-    {"node_get_config", &VarnelInterface::node_get_config},
-    {"network_get_node_list", &VarnelInterface::network_get_node_list},
-    {"test_node_create", &VarnelInterface::test_node_create},
-    {"test_node_set_sensor_data", &VarnelInterface::test_node_set_sensor_data},
-    {"network_get_nodes_status", &VarnelInterface::network_get_nodes_status},
-    {"node_set_config_revert", &VarnelInterface::node_set_config_revert},
-};
+#define VARNEL_METHOD(op, reply_text) {#op, &VarnelInterface::op},
+const Method methods[] = {VARNEL_OPERATIONS(VARNEL_METHOD)};
+#undef VARNEL_METHOD
 
 } // namespace
 

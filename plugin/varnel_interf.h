@@ -8,7 +8,9 @@
 
 #include "VarnelRMI_InterfaceProxy.h"
 
-/// The JSON-RPC methods for managing a network of sensor nodes.
+#include "varnel_operations.h"
+
+/// The JSON-RPC methods for managing a network of sensor nodes, as varnel_operations.h lists them.
 ///
 /// Each one reads its parameters from the member "params" of the request `in`, starts the remote operation of
 /// the same name and returns 0 without waiting for the answer, which a reply handler logs later. `out` is
@@ -25,20 +27,9 @@ public:
     VarnelInterface(const VarnelInterface&) = delete;
     VarnelInterface& operator=(const VarnelInterface&) = delete;
 
-    int network_commission(const KX_JSON& in, KX_JSON& out);
-    int network_decommission(const KX_JSON& in, KX_JSON& out);
-    int network_get_info(const KX_JSON& in, KX_JSON& out);
-    int network_add_nodes(const KX_JSON& in, KX_JSON& out);
-    int network_remove_nodes(const KX_JSON& in, KX_JSON& out);
-    int advertising(const KX_JSON& in, KX_JSON& out);
-    int node_get_data(const KX_JSON& in, KX_JSON& out);
-    int node_set_config(const KX_JSON& in, KX_JSON& out);
-    int node_get_config(const KX_JSON& in, KX_JSON& out);
-    int network_get_node_list(const KX_JSON& in, KX_JSON& out);
-    int test_node_create(const KX_JSON& in, KX_JSON& out);
-    int test_node_set_sensor_data(const KX_JSON& in, KX_JSON& out);
-    int network_get_nodes_status(const KX_JSON& in, KX_JSON& out);
-    int node_set_config_revert(const KX_JSON& in, KX_JSON& out);
+#define VARNEL_DECLARATION(op, reply_text) int op(const KX_JSON& in, KX_JSON& out);
+    VARNEL_OPERATIONS(VARNEL_DECLARATION)
+#undef VARNEL_DECLARATION
 
     /// What the methods call. Empty until the service has been found; no method may be called before.
     org::opensplice::DDS_RMI::shared_ptr<Proxy> m_proxy;
