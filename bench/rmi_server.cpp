@@ -3,10 +3,12 @@
 // Serves "VarnelDE_Server" with operations that do nothing, until its standard input ends.
 
 #include <VarnelRMI_Interface.h>
+#include <VarnelRMI_operations.h>
 #include <ddsrmi.h>
 
 #include <iostream>
 #include <thread>
+#include <tuple>
 
 namespace {
 
@@ -16,20 +18,14 @@ using Skeleton = DDS_RMI::VarnelRMI::VarnelRMIServiceInterface;
 class IdleService final : public Skeleton
 {
 public:
-    DDS::Long network_commission(DDS::String) override { return 0; }
-    DDS::Long network_decommission() override { return 0; }
-    DDS::Long network_add_nodes(DDS::String) override { return 0; }
-    DDS::Long network_remove_nodes(DDS::String) override { return 0; }
-    DDS::Long advertising(DDS::Boolean) override { return 0; }
-    DDS::Long network_get_node_list() override { return 0; }
-    DDS::Long network_get_info() override { return 0; }
-    DDS::Long node_get_config(DDS::String) override { return 0; }
-    DDS::Long node_set_config(DDS::String, DDS::String) override { return 0; }
-    DDS::Long node_get_data(DDS::String) override { return 0; }
-    DDS::Long network_get_nodes_status(DDS::String) override { return 0; }
-    DDS::Long node_set_config_revert(DDS::String, DDS::String, DDS::Long) override { return 0; }
-    DDS::Long test_node_create(DDS::String, DDS::Long) override { return 0; }
-    DDS::Long test_node_set_sensor_data(DDS::String, DDS::String) override { return 0; }
+#define IDLE(op, parameters, parameters_with_handler, arguments)                                             \
+    DDS::Long op parameters override                                                                         \
+    {                                                                                                        \
+        static_cast<void>(std::make_tuple arguments);                                                        \
+        return 0;                                                                                            \
+    }
+    FOR_EVERY_OPERATION(IDLE)
+#undef IDLE
 };
 
 void wait_for_end_of_input()

@@ -5,10 +5,20 @@ from typing import NamedTuple
 
 INTERFACE = "plugin/varnel_interf.cpp"
 INTERFACE_HEADER = "plugin/varnel_interf.h"
+OPERATIONS = "plugin/varnel_operations.h"
+PLUGIN_BUILD = "plugin/CMakeLists.txt"
+EXPORTS = "plugin/varnelrpc.map"
+IDL = "rmi/VarnelRMI.idl"
 REPLIES = "plugin/varnel_reply_handlers.h"
 HOLDER = "framework/include/zeb/api/mdw/KX_DDS_RMI_PROXY.h"
 METHOD = "framework/include/zeb/api/RpcMethod.h"
 METHOD_BASE = "framework/include/zeb/api/CallbackMethod.h"
+HANDLER_BASE = "framework/include/zeb/api/KX_RPCHandler.h"
+VALUE = "framework/include/zeb/api/data/KX_JSON.h"
+RUNTIME = "framework/include/zeb/api/mdw/KX_DDS_RMI_RUNTIME.h"
+RUNTIME_SOURCE = "framework/src/kx_dds_rmi_runtime.cpp"
+HANDLER_SOURCE = "framework/src/kx_rpc_handler.cpp"
+VALUE_SOURCE = "framework/src/kx_json.cpp"
 
 
 class Mutation(NamedTuple):
@@ -327,32 +337,6 @@ MUTATIONS = [
                  'int VarnelInterface::advertising(const KX_JSON& in, KX_JSON& out)\n'
                  '{\n'
                  '    out = KX_JSON();\n')),
-    Mutation("method-registered-twice", INTERFACE,
-             '    {"network_get_info", &VarnelInterface::network_get_info},\n',
-             (
-                 '    {"network_get_info", &VarnelInterface::network_get_info},\n'
-                 '    {"network_get_info", &VarnelInterface::network_get_info},\n')),
-    Mutation("method-not-registered", INTERFACE,
-             '    {"node_set_config_revert", &VarnelInterface::node_set_config_revert},\n',
-             ''),
-    Mutation("method-misnamed", INTERFACE,
-             '{"node_get_data", &Varnel',
-             '{"node_getData", &Varnel'),
-    Mutation("methods-in-another-order", INTERFACE,
-             (
-                 '    {"network_decommission", &VarnelInterface::network_decommission},\n'
-                 '    {"network_get_info", &VarnelInterface::network_get_info},\n'),
-             (
-                 '    {"network_get_info", &VarnelInterface::network_get_info},\n'
-                 '    {"network_decommission", &VarnelInterface::network_decommission},\n')),
-    Mutation("method-bound-to-another", INTERFACE,
-             '{"node_get_config", &VarnelInterface::node_get_config}',
-             '{"node_get_config", &VarnelInterface::node_get_data}'),
-    Mutation("introspection-method-added", INTERFACE,
-             '    {"node_set_config_revert", &VarnelInterface::node_set_config_revert},\n',
-             (
-                 '    {"node_set_config_revert", &VarnelInterface::node_set_config_revert},\n'
-                 '    {"list_methods", &VarnelInterface::network_get_info},\n')),
     Mutation("methods-described", INTERFACE,
              'const KX_JSON description(static_cast<const json_object*>(nullptr));',
              (
@@ -458,23 +442,11 @@ MUTATIONS = [
              (
                  '    zeb::api::mdw::KX_DDS_RMI_PROXY<VarnelInterface::Proxy> m_proxyHolder;\n'
                  '    VarnelInterface m_interface;\n')),
-    Mutation("interface-with-more-virtual-functions", INTERFACE_HEADER,
-             '    int network_commission(const KX_JSON& in, KX_JSON& out);',
-             '    virtual int network_commission(const KX_JSON& in, KX_JSON& out);'),
     Mutation("interface-destructor-not-first", INTERFACE_HEADER,
              '    virtual ~VarnelInterface();',
              (
                  '    virtual void reserved() {}\n'
                  '    virtual ~VarnelInterface();')),
-    Mutation("commission-reply-by-the-pattern", REPLIES,
-             'async_net_commission returns: ',
-             'async_network_commission returns: '),
-    Mutation("advertising-reply-by-the-pattern", REPLIES,
-             'async_set_advertising returns: ',
-             'async_advertising returns: '),
-    Mutation("reply-without-its-blank", REPLIES,
-             'async_node_get_data returns: ',
-             'async_node_get_data returns:'),
     Mutation("reply-without-flush", REPLIES,
              'text << result << std::endl;',
              "text << result << '\\n';"),
@@ -494,9 +466,6 @@ MUTATIONS = [
              (
                  '    public:                                                                                                  \\\n'
                  '        ~MY_##op##_handler() override {}                                                                     \\\n')),
-    Mutation("reply-texts-exchanged", REPLIES,
-             '(network_get_node_list, "async_network_get_node_list returns: ")',
-             '(network_get_node_list, "async_network_get_info returns: ")'),
     Mutation("holder-line-changed", HOLDER,
              'std::cout << "KX_DDS_RMI_PROXY construct"',
              'std::cout << "KX_DDS_RMI_PROXY constructor"'),
@@ -639,14 +608,833 @@ MUTATIONS = [
                  'data::KX_JSON copy(m_description);\n'
                  '        copy.set_json_string("name", m_name);\n'
                  '        return copy;')),
-    Mutation("method-slots-exchanged", METHOD_BASE,
+    Mutation("copy-as-long-as-the-string", INTERFACE,
+             (
+                 '    return handOverCopy(textParameter(in, key).c_str());\n'),
+             (
+                 '    const std::string text = textParameter(in, key);\n'
+                 '    const DDS::String copy = new char[text.size() + 1];\n'
+                 "    copy[0] = '\\0';\n"
+                 '    os_strcpy(copy, text.c_str());\n'
+                 '    return copy;\n')),
+    Mutation("list-copy-as-long-as-the-string", INTERFACE,
+             (
+                 '    return handOverCopy(in.get_json_object("params").get_json_string("mac_addr_list").c_str());\n'),
+             (
+                 '    const KX_JSON params = in.get_json_object("params");\n'
+                 '    const std::string text = params.get_json_string("mac_addr_list");\n'
+                 '    const DDS::String copy = new char[text.size() + 1];\n'
+                 "    copy[0] = '\\0';\n"
+                 '    os_strcpy(copy, text.c_str());\n'
+                 '    return copy;\n')),
+    Mutation("copy-filled-with-blanks-first", INTERFACE,
+             (
+                 "    copy[0] = '\\0';\n"),
+             (
+                 "    std::memset(copy, ' ', std::strlen(text) + 1);\n")),
+    Mutation("copy-without-new-that-throws", INTERFACE,
+             'new char[std::strlen(text) + 1]',
+             'new (std::nothrow) char[std::strlen(text) + 1]'),
+    Mutation("request-asked-for-a-key", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON& in, KX_JSON&)\n'
+                 '{\n'
+                 '    in.has_key("params");\n')),
+    Mutation("request-read-as-a-text", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON& in, KX_JSON&)\n'
+                 '{\n'
+                 '    in.to_string();\n')),
+    Mutation("request-s-object-looked-at", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON& in, KX_JSON&)\n'
+                 '{\n'
+                 '    if (in.get() == nullptr)\n'
+                 '        return 0;\n')),
+    Mutation("request-copied", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON& in, KX_JSON&)\n'
+                 '{\n'
+                 '    const KX_JSON copy(in);\n')),
+    Mutation("request-read-as-an-integer", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON& in, KX_JSON&)\n'
+                 '{\n'
+                 '    in.get_json_int("id");\n')),
+    Mutation("response-read", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON& out)\n'
+                 '{\n'
+                 '    out.get_json_string("result");\n')),
+    Mutation("response-copied", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON& out)\n'
+                 '{\n'
+                 '    const KX_JSON copy(out);\n')),
+    Mutation("response-asked-for-a-key", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON& out)\n'
+                 '{\n'
+                 '    out.has_key("result");\n')),
+    Mutation("response-read-as-a-text", INTERFACE,
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON&)\n'
+                 '{\n'),
+             (
+                 'int VarnelInterface::network_get_info(const KX_JSON&, KX_JSON& out)\n'
+                 '{\n'
+                 '    out.to_string();\n')),
+    Mutation("description-made-by-default", INTERFACE,
+             'const KX_JSON description(static_cast<const json_object*>(nullptr));',
+             'const KX_JSON description;'),
+    Mutation("description-shared-by-all-rows", INTERFACE,
+             (
+                 '    for (const Method& method : methods) {\n'
+                 '        const std::string name(method.name);\n'
+                 '        const KX_JSON description(static_cast<const json_object*>(nullptr));\n'),
+             (
+                 '    const KX_JSON description(static_cast<const json_object*>(nullptr));\n'
+                 '    for (const Method& method : methods) {\n'
+                 '        const std::string name(method.name);\n')),
+    Mutation("description-copied-once-more", INTERFACE,
+             'const KX_JSON description(static_cast<const json_object*>(nullptr));',
+             (
+                 'const KX_JSON empty(static_cast<const json_object*>(nullptr));\n'
+                 '        const KX_JSON description(empty);')),
+    Mutation("service-name-static", INTERFACE,
+             (
+                 'VarnelRPCHandler::VarnelRPCHandler() : m_proxyHolder("VarnelDE_Server"), m_bound(false)\n'),
+             (
+                 'static std::string service = "VarnelDE_Server";\n'
+                 '\n'
+                 'VarnelRPCHandler::VarnelRPCHandler() : m_proxyHolder(service), m_bound(false)\n')),
+    Mutation("last-call-kept", INTERFACE,
+             (
+                 '    std::cout << "CALL RPC " << operation << std::endl;\n'),
+             (
+                 '    static const char* last;\n'
+                 '    last = operation;\n'
+                 '    std::cout << "CALL RPC " << last << std::endl;\n')),
+    Mutation("handlers-counted", INTERFACE,
+             (
+                 '    return new VarnelRPCHandler;\n'),
+             (
+                 '    static int handlers = 0;\n'
+                 '    ++handlers;\n'
+                 '    return new VarnelRPCHandler;\n')),
+    Mutation("call-line-under-a-lock", INTERFACE,
+             (
+                 '    std::cout << "CALL RPC " << operation << std::endl;\n'),
+             (
+                 '    static pthread_mutex_t lines = PTHREAD_MUTEX_INITIALIZER;\n'
+                 '    pthread_mutex_lock(&lines);\n'
+                 '    std::cout << "CALL RPC " << operation << std::endl;\n'
+                 '    pthread_mutex_unlock(&lines);\n')),
+    Mutation("call-line-under-the-stream-s-lock", INTERFACE,
+             (
+                 '    std::cout << "CALL RPC " << operation << std::endl;\n'),
+             (
+                 '    flockfile(stdout);\n'
+                 '    std::cout << "CALL RPC " << operation << std::endl;\n'
+                 '    funlockfile(stdout);\n')),
+    Mutation("table-of-methods-writable", INTERFACE,
+             'const Method methods[] = {',
+             'Method methods[] = {'),
+    Mutation("factory-without-new-that-throws", INTERFACE,
+             (
+                 '    return new VarnelRPCHandler;\n'),
+             (
+                 '    return new (std::nothrow) VarnelRPCHandler;\n')),
+    Mutation("factory-makes-two", INTERFACE,
+             (
+                 '    return new VarnelRPCHandler;\n'),
+             (
+                 '    delete new VarnelRPCHandler;\n'
+                 '    return new VarnelRPCHandler;\n')),
+    Mutation("table-filled-twice", INTERFACE,
+             (
+                 '    BuildInterface();\n'
+                 '    m_bound = true;\n'),
+             (
+                 '    BuildInterface();\n'
+                 '    BuildInterface();\n'
+                 '    m_bound = true;\n')),
+    Mutation("method-registered-twice", INTERFACE,
+             '{VARNEL_OPERATIONS(VARNEL_METHOD)}',
+             '{VARNEL_OPERATIONS(VARNEL_METHOD){"network_get_info", &VarnelInterface::network_get_info}}'),
+    Mutation("introspection-method-added", INTERFACE,
+             '{VARNEL_OPERATIONS(VARNEL_METHOD)}',
+             '{VARNEL_OPERATIONS(VARNEL_METHOD){"list_methods", &VarnelInterface::network_get_info}}'),
+    Mutation("method-not-registered", INTERFACE,
+             (
+                 '        const std::string name(method.name);\n'),
+             (
+                 '        if (&method == &methods[13])\n'
+                 '            break;\n'
+                 '        const std::string name(method.name);\n')),
+    Mutation("method-misnamed", INTERFACE,
+             '{#op, &VarnelInterface::op}',
+             '{#op[0] == \'a\' ? "advertise" : #op, &VarnelInterface::op}'),
+    Mutation("methods-bound-to-one-function", INTERFACE,
+             '{#op, &VarnelInterface::op}',
+             '{#op, &VarnelInterface::node_get_data}'),
+    Mutation("methods-registered-backwards", INTERFACE,
+             'new zeb::api::RpcMethod<VarnelInterface>(name, &m_interface, method.function, description)',
+             'new zeb::api::RpcMethod<VarnelInterface>(methods[13 - (&method - methods)].name, &m_interface, methods[13 - (&method - methods)].function, description)'),
+    Mutation("methods-of-another-interface", INTERFACE,
+             'new zeb::api::RpcMethod<VarnelInterface>(name, &m_interface, method.function, description)',
+             'new zeb::api::RpcMethod<VarnelInterface>(name, new VarnelInterface, method.function, description)'),
+    Mutation("handle-kept-while-the-table-is-filled", INTERFACE,
+             (
+                 '    m_interface.m_proxy = m_proxyHolder.getProxy();\n'),
+             (
+                 '    const shared_ptr<Proxy> kept = m_proxyHolder.getProxy();\n'
+                 '    m_interface.m_proxy = kept;\n')),
+    Mutation("handler-held-twice", INTERFACE,
+             (
+                 '    logCall(operation);\n'
+                 '    const shared_ptr<Handler> handler(new Handler);\n'),
+             (
+                 '    logCall(operation);\n'
+                 '    const shared_ptr<Handler> first(new Handler);\n'
+                 '    const shared_ptr<Handler> handler(first);\n')),
+    Mutation("handler-referred-to-for-ever", INTERFACE,
+             (
+                 '    logCall(operation);\n'
+                 '    (proxy.get()->*start)(arguments..., handler.get());\n'
+                 '    return 0;\n'),
+             (
+                 '    logCall(operation);\n'
+                 '    (proxy.get()->*start)(arguments..., handler.get());\n'
+                 '    handler->inc_refcount();\n'
+                 '    return 0;\n')),
+    Mutation("call-on-a-missing-proxy-ignored", INTERFACE,
+             (
+                 '    logCall(operation);\n'
+                 '    const shared_ptr<Handler> handler(new Handler);\n'
+                 '    (proxy.get()->*start)'),
+             (
+                 '    logCall(operation);\n'
+                 '    if (shared_ptr<Proxy>(proxy).get() == nullptr)\n'
+                 '        return 0;\n'
+                 '    const shared_ptr<Handler> handler(new Handler);\n'
+                 '    (proxy.get()->*start)')),
+    Mutation("type-of-three-digits", INTERFACE,
+             'std::stoi(textParameter(in, "type"))',
+             'std::stoi(textParameter(in, "type").substr(0, 3))'),
+    Mutation("switch-on-in-capitals-too", INTERFACE,
+             'textParameter(in, "on") == "true"',
+             '(textParameter(in, "on") == "true" || textParameter(in, "on") == "True")'),
+    Mutation("flag-first", INTERFACE_HEADER,
+             (
+                 '    VarnelInterface m_interface;\n'
+                 '    zeb::api::mdw::KX_DDS_RMI_PROXY<VarnelInterface::Proxy> m_proxyHolder;\n'
+                 '    bool m_bound;\n'),
+             (
+                 '    bool m_bound;\n'
+                 '    VarnelInterface m_interface;\n'
+                 '    zeb::api::mdw::KX_DDS_RMI_PROXY<VarnelInterface::Proxy> m_proxyHolder;\n')),
+    Mutation("builder-virtual", INTERFACE_HEADER,
+             '    void BuildInterface();',
+             '    virtual void BuildInterface();'),
+    Mutation("flag-as-an-integer", INTERFACE_HEADER,
+             '    bool m_bound;',
+             '    int m_bound;'),
+    Mutation("table-with-another-virtual-function", INTERFACE_HEADER,
+             '    bool isBound() override;',
+             (
+                 '    bool isBound() override;\n'
+                 '    virtual void reserved() {}')),
+    Mutation("table-with-another-member", INTERFACE_HEADER,
+             '    bool m_bound;',
+             (
+                 '    bool m_bound;\n'
+                 '    int m_calls = 0;')),
+    Mutation("interface-with-virtual-operations", INTERFACE_HEADER,
+             'int op(const KX_JSON& in, KX_JSON& out);',
+             'virtual int op(const KX_JSON& in, KX_JSON& out);'),
+    Mutation("interface-with-another-virtual-function", INTERFACE_HEADER,
+             '    virtual ~VarnelInterface();',
+             (
+                 '    virtual ~VarnelInterface();\n'
+                 '    virtual void reserved() {}')),
+    Mutation("interface-with-another-member", INTERFACE_HEADER,
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<Proxy> m_proxy;\n'),
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<Proxy> m_proxy;\n'
+                 '    int m_calls = 0;\n')),
+    Mutation("interface-s-handle-second", INTERFACE_HEADER,
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<Proxy> m_proxy;\n'),
+             (
+                 '    void* m_reserved = nullptr;\n'
+                 '    org::opensplice::DDS_RMI::shared_ptr<Proxy> m_proxy;\n')),
+    Mutation("interface-destructor-not-virtual", INTERFACE_HEADER,
+             '    virtual ~VarnelInterface();',
+             '    ~VarnelInterface();'),
+    Mutation("factory-with-a-c++-name", INTERFACE_HEADER,
+             'extern "C" zeb::api',
+             'zeb::api'),
+    Mutation("methods-in-another-order", OPERATIONS,
+             (
+                 '    row(network_decommission, "async_network_decommission returns: ") \\\n'
+                 '    row(network_get_info, "async_network_get_info returns: ") \\\n'),
+             (
+                 '    row(network_get_info, "async_network_get_info returns: ") \\\n'
+                 '    row(network_decommission, "async_network_decommission returns: ") \\\n')),
+    Mutation("methods-sorted", OPERATIONS,
+             (
+                 '    row(network_commission, "async_net_commission returns: ") \\\n'
+                 '    row(network_decommission, "async_network_decommission returns: ") \\\n'
+                 '    row(network_get_info, "async_network_get_info returns: ") \\\n'
+                 '    row(network_add_nodes, "async_network_add_nodes returns: ") \\\n'),
+             (
+                 '    row(network_add_nodes, "async_network_add_nodes returns: ") \\\n'
+                 '    row(network_commission, "async_net_commission returns: ") \\\n'
+                 '    row(network_decommission, "async_network_decommission returns: ") \\\n'
+                 '    row(network_get_info, "async_network_get_info returns: ") \\\n')),
+    Mutation("commission-reply-by-the-pattern", OPERATIONS,
+             'async_net_commission returns: ',
+             'async_network_commission returns: '),
+    Mutation("advertising-reply-by-the-pattern", OPERATIONS,
+             'async_set_advertising returns: ',
+             'async_advertising returns: '),
+    Mutation("reply-without-its-blank", OPERATIONS,
+             'async_node_get_data returns: ',
+             'async_node_get_data returns:'),
+    Mutation("reply-texts-exchanged", OPERATIONS,
+             '"async_network_get_node_list returns: "',
+             '"async_network_get_info returns: "'),
+    Mutation("last-reply-kept", REPLIES,
+             (
+                 '    std::cout << text << result << std::endl;\n'),
+             (
+                 '    static DDS::Long last;\n'
+                 '    last = result;\n'
+                 '    std::cout << text << last << std::endl;\n')),
+    Mutation("reply-line-under-a-lock", REPLIES,
+             (
+                 '    std::cout << text << result << std::endl;\n'),
+             (
+                 '    static pthread_mutex_t lines = PTHREAD_MUTEX_INITIALIZER;\n'
+                 '    pthread_mutex_lock(&lines);\n'
+                 '    std::cout << text << result << std::endl;\n'
+                 '    pthread_mutex_unlock(&lines);\n')),
+    Mutation("reply-line-under-the-stream-s-lock", REPLIES,
+             (
+                 '    std::cout << text << result << std::endl;\n'),
+             (
+                 '    flockfile(stdout);\n'
+                 '    std::cout << text << result << std::endl;\n'
+                 '    funlockfile(stdout);\n')),
+    Mutation("reply-to-standard-error", REPLIES,
+             '    std::cout << text <<',
+             '    std::cerr << text <<'),
+    Mutation("reply-in-two-flushes", REPLIES,
+             'text << result << std::endl;',
+             'text << std::flush << result << std::endl;'),
+    Mutation("reply-unsigned", REPLIES,
+             'text << result <<',
+             'text << static_cast<DDS::ULong>(result) <<'),
+    Mutation("handler-overrides-asyncWait", REPLIES,
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'),
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'
+                 '        void asyncWait(DDS::QueryCondition* condition) override { CAsyncReplyHandlerImpl::asyncWait(condition); } \\\n')),
+    Mutation("handler-with-a-member", REPLIES,
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'),
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'
+                 '        DDS::Long m_result = 0;                                                                              \\\n')),
+    Mutation("handler-with-another-virtual-function", REPLIES,
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'),
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'
+                 '        virtual void reserved() {}                                                                           \\\n')),
+    Mutation("handler-writes-when-it-goes", REPLIES,
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'),
+             (
+                 '        void op##_Reply(DDS::Long result) override { logReply(text, result); }                               \\\n'
+                 '        ~MY_##op##_handler() override { std::cout.flush(); }                                                 \\\n')),
+    Mutation("soname-with-a-version", PLUGIN_BUILD,
+             (
+                 '    OUTPUT_NAME varnelrpc_${PROJECT_VERSION}\n'),
+             (
+                 '    OUTPUT_NAME varnelrpc_${PROJECT_VERSION}\n'
+                 '    SOVERSION 1\n')),
+    Mutation("library-without-a-soname", PLUGIN_BUILD,
+             (
+                 '    OUTPUT_NAME varnelrpc_${PROJECT_VERSION}\n'),
+             (
+                 '    OUTPUT_NAME varnelrpc_${PROJECT_VERSION}\n'
+                 '    NO_SONAME ON\n')),
+    Mutation("everything-exported", EXPORTS,
+             '    local: *;',
+             '    local: nothing;'),
+    Mutation("operations-of-the-idl-in-another-order", IDL,
+             (
+                 '        long network_get_node_list();\n'
+                 '        long network_get_info();\n'),
+             (
+                 '        long network_get_info();\n'
+                 '        long network_get_node_list();\n')),
+    Mutation("holder-name-before-proxy", HOLDER,
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<TProxy> m_serverProxy;\n'
+                 '    bool m_proxyFound;\n'
+                 '    std::string m_serviceName;\n'
+                 '    std::int32_t m_instanceId;\n'),
+             (
+                 '    std::string m_serviceName;\n'
+                 '    org::opensplice::DDS_RMI::shared_ptr<TProxy> m_serverProxy;\n'
+                 '    bool m_proxyFound;\n'
+                 '    std::int32_t m_instanceId;\n')),
+    Mutation("holder-flag-last", HOLDER,
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<TProxy> m_serverProxy;\n'
+                 '    bool m_proxyFound;\n'
+                 '    std::string m_serviceName;\n'
+                 '    std::int32_t m_instanceId;\n'),
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<TProxy> m_serverProxy;\n'
+                 '    std::string m_serviceName;\n'
+                 '    std::int32_t m_instanceId;\n'
+                 '    bool m_proxyFound;\n')),
+    Mutation("holder-number-of-16-bits", HOLDER,
+             (
+                 '    std::int32_t m_instanceId;\n'),
+             (
+                 '    std::int16_t m_instanceId;\n')),
+    Mutation("holder-number-of-64-bits", HOLDER,
+             (
+                 '    std::int32_t m_instanceId;\n'),
+             (
+                 '    std::int64_t m_instanceId;\n')),
+    Mutation("holder-number-before-name", HOLDER,
+             (
+                 '    std::string m_serviceName;\n'
+                 '    std::int32_t m_instanceId;\n'),
+             (
+                 '    std::int32_t m_instanceId;\n'
+                 '    std::string m_serviceName;\n')),
+    Mutation("holder-with-a-protected-base", HOLDER,
+             'class KX_DDS_RMI_PROXY : public KX_DDS_RMI_RUNTIME',
+             'class KX_DDS_RMI_PROXY : protected KX_DDS_RMI_RUNTIME'),
+    Mutation("holder-with-a-virtual-base", HOLDER,
+             'class KX_DDS_RMI_PROXY : public KX_DDS_RMI_RUNTIME',
+             'class KX_DDS_RMI_PROXY : public virtual KX_DDS_RMI_RUNTIME'),
+    Mutation("holder-with-a-virtual-destructor", HOLDER,
+             '    ~KX_DDS_RMI_PROXY();',
+             '    virtual ~KX_DDS_RMI_PROXY();'),
+    Mutation("holder-with-a-virtual-question", HOLDER,
+             '    bool isProxyFound();',
+             '    virtual bool isProxyFound();'),
+    Mutation("holder-with-another-member", HOLDER,
+             (
+                 '    std::int32_t m_instanceId;\n'),
+             (
+                 '    std::int32_t m_instanceId;\n'
+                 '    int m_lookups = 0;\n')),
+    Mutation("proxy-emptied-when-the-service-is-missing", HOLDER,
+             (
+                 '        stopRUNTIME();\n'),
+             (
+                 '        stopRUNTIME();\n'
+                 '        m_serverProxy.reset();\n')),
+    Mutation("proxy-given-out-by-reference", HOLDER,
+             '    org::opensplice::DDS_RMI::shared_ptr<TProxy> getProxy() {',
+             '    const org::opensplice::DDS_RMI::shared_ptr<TProxy>& getProxy() {'),
+    Mutation("proxy-given-away", HOLDER,
+             'getProxy() { return m_serverProxy; }',
+             (
+                 'getProxy()\n'
+                 '    {\n'
+                 '        const org::opensplice::DDS_RMI::shared_ptr<TProxy> given = m_serverProxy;\n'
+                 '        m_serverProxy.reset();\n'
+                 '        return given;\n'
+                 '    }')),
+    Mutation("found-unless-shown-otherwise", HOLDER,
+             'm_proxyFound(false)',
+             'm_proxyFound(true)'),
+    Mutation("message-before-the-line", HOLDER,
+             (
+                 '    std::cout << "KX_DDS_RMI_PROXY construct" << std::endl;\n'
+                 '    syslog(LOG_INFO, "KX_DDS_RMI_PROXY construct");\n'),
+             (
+                 '    syslog(LOG_INFO, "KX_DDS_RMI_PROXY construct");\n'
+                 '    std::cout << "KX_DDS_RMI_PROXY construct" << std::endl;\n')),
+    Mutation("holder-line-without-flush", HOLDER,
+             '"KX_DDS_RMI_PROXY construct" << std::endl;',
+             '"KX_DDS_RMI_PROXY construct\\n";'),
+    Mutation("identity-set-in-the-system-log", HOLDER,
+             (
+                 '    syslog(LOG_INFO, "KX_DDS_RMI_PROXY construct");\n'),
+             (
+                 '    openlog("varnelrpc", 0, LOG_DAEMON);\n'
+                 '    syslog(LOG_INFO, "KX_DDS_RMI_PROXY construct");\n')),
+    Mutation("number-by-the-remainder", HOLDER,
+             (
+                 '    m_instanceId = instances(engine);\n'),
+             (
+                 '    m_instanceId = static_cast<std::int32_t>(1 + engine() % 10000);\n')),
+    Mutation("engine-of-64-bits", HOLDER,
+             'std::mt19937 engine',
+             'std::mt19937_64 engine'),
+    Mutation("engine-advanced-first", HOLDER,
+             (
+                 '    m_instanceId = instances(engine);\n'),
+             (
+                 '    engine.discard(1);\n'
+                 '    m_instanceId = instances(engine);\n')),
+    Mutation("device-asked-twice", HOLDER,
+             'std::mt19937 engine(device());',
+             (
+                 'device();\n'
+                 '    std::mt19937 engine(device());')),
+    Mutation("engine-kept", HOLDER,
+             'std::mt19937 engine(device());',
+             'static std::mt19937 engine(device());'),
+    Mutation("device-opened-before-the-start", HOLDER,
+             (
+                 '    startRUNTIME(true);\n'
+                 '\n'
+                 '    std::random_device device("default");\n'),
+             (
+                 '    std::random_device device("default");\n'
+                 '    startRUNTIME(true);\n')),
+    Mutation("service-announced-in-quotes", HOLDER,
+             'server proxy " << m_serviceName << " "',
+             'server proxy \'" << m_serviceName << "\' "'),
+    Mutation("service-looked-up-by-its-proxy-s-name", HOLDER,
+             'getServerProxy<TProxy>(m_serviceName, m_instanceId',
+             'getServerProxy<TProxy>(m_serviceName + "_Proxy", m_instanceId'),
+    Mutation("lookup-outside-the-guard", HOLDER,
+             (
+                 '    try {\n'
+                 '        lookUpProxy();\n'
+                 '    } catch'),
+             (
+                 '    lookUpProxy();\n'
+                 '    try {\n'
+                 '    } catch')),
+    Mutation("runtime-stopped-before-the-line", HOLDER,
+             (
+                 '        std::cout << " *** Unable to find the service !" << std::endl;\n'
+                 '        syslog(LOG_INFO, " *** Unable to find the service !");\n'
+                 '        stopRUNTIME();\n'),
+             (
+                 '        stopRUNTIME();\n'
+                 '        std::cout << " *** Unable to find the service !" << std::endl;\n'
+                 '        syslog(LOG_INFO, " *** Unable to find the service !");\n')),
+    Mutation("missing-service-not-said", HOLDER,
+             (
+                 '        std::cout << " *** Unable to find the service !" << std::endl;\n'),
+             ''),
+    Mutation("missing-service-passed-on", HOLDER,
+             (
+                 '        m_proxyFound = false;\n'),
+             (
+                 '        m_proxyFound = false;\n'
+                 '        throw;\n')),
+    Mutation("success-without-its-name", HOLDER,
+             'named %s", m_serviceName.c_str());',
+             'named %s", "it");'),
+    Mutation("question-told-to-the-system-log-too", HOLDER,
+             (
+                 '    return m_proxyFound;\n'),
+             (
+                 '    syslog(LOG_INFO, "KX_DDS_RMI_PROXY isProxyFound%d", m_proxyFound ? 1 : 0);\n'
+                 '    return m_proxyFound;\n')),
+    Mutation("question-without-flush", HOLDER,
+             'isProxyFound" << m_proxyFound << std::endl;',
+             'isProxyFound" << m_proxyFound << \'\\n\';'),
+    Mutation("runtime-not-stopped-in-the-end", RUNTIME,
+             '~KX_DDS_RMI_RUNTIME() { m_runtime->stop(); }',
+             '~KX_DDS_RMI_RUNTIME() {}'),
+    Mutation("runtime-stopped-twice-in-the-end", RUNTIME,
+             '~KX_DDS_RMI_RUNTIME() { m_runtime->stop(); }',
+             (
+                 '~KX_DDS_RMI_RUNTIME()\n'
+                 '    {\n'
+                 '        m_runtime->stop();\n'
+                 '        m_runtime->stop();\n'
+                 '    }')),
+    Mutation("runtime-stopped-by-the-library-in-the-end", RUNTIME,
+             '~KX_DDS_RMI_RUNTIME() { m_runtime->stop(); }',
+             '~KX_DDS_RMI_RUNTIME() { stopRUNTIME(); }'),
+    Mutation("runtime-released-instead-of-stopped", RUNTIME,
+             '~KX_DDS_RMI_RUNTIME() { m_runtime->stop(); }',
+             '~KX_DDS_RMI_RUNTIME() { m_runtime.reset(); }'),
+    Mutation("runtime-s-failure-caught-in-the-end", RUNTIME,
+             '~KX_DDS_RMI_RUNTIME() { m_runtime->stop(); }',
+             (
+                 '~KX_DDS_RMI_RUNTIME()\n'
+                 '    {\n'
+                 '        try {\n'
+                 '            m_runtime->stop();\n'
+                 '        } catch (...) {\n'
+                 '        }\n'
+                 '    }')),
+    Mutation("runtime-with-a-virtual-destructor", RUNTIME,
+             '    ~KX_DDS_RMI_RUNTIME()',
+             '    virtual ~KX_DDS_RMI_RUNTIME()'),
+    Mutation("runtime-with-a-virtual-start", RUNTIME,
+             '    void startRUNTIME(bool severalThreads);',
+             '    virtual void startRUNTIME(bool severalThreads);'),
+    Mutation("runtime-with-another-member", RUNTIME,
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<org::opensplice::DDS_RMI::CRuntime> m_runtime;\n'),
+             (
+                 '    org::opensplice::DDS_RMI::shared_ptr<org::opensplice::DDS_RMI::CRuntime> m_runtime;\n'
+                 '    int m_starts = 0;\n')),
+    Mutation("runtime-released-when-stopped", RUNTIME_SOURCE,
+             (
+                 '    m_runtime->stop();\n'),
+             (
+                 '    m_runtime->stop();\n'
+                 '    m_runtime.reset();\n')),
+    Mutation("no-idle-hold", RUNTIME_SOURCE,
+             (
+                 '    m_runtime = idle_hold;\n'),
+             ''),
+    Mutation("only-the-idle-hold", RUNTIME_SOURCE,
+             (
+                 '    m_runtime = CRuntime::getDefaultRuntime();\n'),
+             ''),
+    Mutation("threading-exchanged", RUNTIME_SOURCE,
+             '? "MT" : "ST"',
+             '? "ST" : "MT"'),
+    Mutation("discovery-time-not-passed-on", RUNTIME_SOURCE,
+             'sizeof arguments / sizeof arguments[0], arguments',
+             '2, arguments'),
+    Mutation("runtime-not-stopped-when-told", RUNTIME_SOURCE,
+             (
+                 '    m_runtime->stop();\n'),
+             ''),
+    Mutation("method-name-and-description-exchanged", METHOD,
+             (
+                 '    T* m_owner;\n'
+                 '    Method m_method;\n'
+                 '    std::string m_name;\n'
+                 '    data::KX_JSON m_description;\n'),
+             (
+                 '    T* m_owner;\n'
+                 '    Method m_method;\n'
+                 '    data::KX_JSON m_description;\n'
+                 '    std::string m_name;\n')),
+    Mutation("method-owner-last", METHOD,
+             (
+                 '    T* m_owner;\n'
+                 '    Method m_method;\n'
+                 '    std::string m_name;\n'
+                 '    data::KX_JSON m_description;\n'),
+             (
+                 '    Method m_method;\n'
+                 '    std::string m_name;\n'
+                 '    data::KX_JSON m_description;\n'
+                 '    T* m_owner;\n')),
+    Mutation("method-function-first", METHOD,
+             (
+                 '    T* m_owner;\n'
+                 '    Method m_method;\n'
+                 '    std::string m_name;\n'
+                 '    data::KX_JSON m_description;\n'),
+             (
+                 '    Method m_method;\n'
+                 '    T* m_owner;\n'
+                 '    std::string m_name;\n'
+                 '    data::KX_JSON m_description;\n')),
+    Mutation("method-with-another-member", METHOD,
+             (
+                 '    T* m_owner;\n'
+                 '    Method m_method;\n'
+                 '    std::string m_name;\n'
+                 '    data::KX_JSON m_description;\n'),
+             (
+                 '    T* m_owner;\n'
+                 '    Method m_method;\n'
+                 '    std::string m_name;\n'
+                 '    data::KX_JSON m_description;\n'
+                 '    int m_calls = 0;\n')),
+    Mutation("method-with-another-virtual-function", METHOD,
+             '    std::string GetName() const override',
+             (
+                 '    virtual void reserved() {}\n'
+                 '    std::string GetName() const override')),
+    Mutation("method-deletes-its-owner", METHOD,
+             '    int Call(',
+             (
+                 '    ~RpcMethod() override { delete m_owner; }\n'
+                 '    int Call(')),
+    Mutation("method-describes-deeply", METHOD,
+             'return m_description;',
+             'return m_description.deep_copy();'),
+    Mutation("method-describes-nothing", METHOD,
+             'return m_description;',
+             'return data::KX_JSON();'),
+    Mutation("method-forgets-its-description", METHOD,
+             'm_description(description)',
+             'm_description()'),
+    Mutation("method-keeps-a-reference-to-its-name", METHOD,
+             '    std::string m_name;',
+             '    const std::string& m_name;'),
+    Mutation("method-answers-into-a-copy", METHOD,
+             'return (m_owner->*m_method)(in, out);',
+             'data::KX_JSON copy(out); return (m_owner->*m_method)(in, copy);'),
+    Mutation("method-hands-over-the-response-twice", METHOD,
+             'return (m_owner->*m_method)(in, out);',
+             'return (m_owner->*m_method)(out, out);'),
+    Mutation("method-calls-twice", METHOD,
+             'return (m_owner->*m_method)(in, out);',
+             '(m_owner->*m_method)(in, out); return (m_owner->*m_method)(in, out);'),
+    Mutation("method-result-as-a-flag", METHOD,
+             'return (m_owner->*m_method)(in, out);',
+             'return (m_owner->*m_method)(in, out) != 0;'),
+    Mutation("method-writes-the-result", METHOD,
+             'return (m_owner->*m_method)(in, out);',
+             'const int result = (m_owner->*m_method)(in, out); out.set_json_int("result", result); return result;'),
+    Mutation("method-base-with-another-virtual-function", METHOD_BASE,
+             (
+                 '    virtual data::KX_JSON GetDescription() const = 0;\n'),
+             (
+                 '    virtual data::KX_JSON GetDescription() const = 0;\n'
+                 '    virtual void reserved() {}\n')),
+    Mutation("method-base-with-data", METHOD_BASE,
+             (
+                 '    virtual data::KX_JSON GetDescription() const = 0;\n'),
+             (
+                 '    virtual data::KX_JSON GetDescription() const = 0;\n'
+                 '    int m_calls = 0;\n')),
+    Mutation("method-base-destructor-not-first", METHOD_BASE,
+             (
+                 '    virtual ~CallbackMethod();\n'),
+             (
+                 '    virtual int reserved() { return 0; }\n'
+                 '    virtual ~CallbackMethod();\n')),
+    Mutation("method-base-described-before-named", METHOD_BASE,
              (
                  '    /// The JSON-RPC method name.\n'
                  '    virtual std::string GetName() const = 0;\n'
                  '\n'
-                 '    /// A JSON description of the method; holds no object where there is none.\n'
+                 '    /// A JSON description of the method; holds no object where there is none. The host asks for it on the\n'
+                 '    /// thread that made the handler, before any method is called, and keeps nothing of what it gets.\n'
                  '    virtual data::KX_JSON GetDescription() const = 0;\n'),
              (
                  '    virtual data::KX_JSON GetDescription() const = 0;\n'
                  '    virtual std::string GetName() const = 0;\n')),
+    Mutation("handler-base-with-another-virtual-function", HANDLER_BASE,
+             (
+                 '    virtual bool isBound();\n'),
+             (
+                 '    virtual bool isBound();\n'
+                 '    virtual void reserved() {}\n')),
+    Mutation("handler-base-destructor-not-first", HANDLER_BASE,
+             (
+                 '    virtual ~KX_RPCHandler();\n'),
+             (
+                 '    virtual bool reserved() { return true; }\n'
+                 '    virtual ~KX_RPCHandler();\n')),
+    Mutation("handler-base-adds-methods-virtually", HANDLER_BASE,
+             '    void AddMethod(CallbackMethod* method);',
+             '    virtual void AddMethod(CallbackMethod* method);'),
+    Mutation("value-with-a-virtual-destructor", VALUE,
+             '    ~KX_JSON();',
+             '    virtual ~KX_JSON();'),
+    Mutation("value-with-another-member", VALUE,
+             (
+                 '    json_object* m_object;\n'),
+             (
+                 '    json_object* m_object;\n'
+                 '    int m_copies = 0;\n')),
+    Mutation("second-method-of-a-name-taken", HANDLER_SOURCE,
+             'if (m_methodsByName.emplace(name, method).second)',
+             'if (m_methodsByName.emplace(name, method).second || true)'),
+    Mutation("methods-deleted-first-added-first", HANDLER_SOURCE,
+             (
+                 '        const std::unique_ptr<CallbackMethod> last(m_methods.back());\n'
+                 '        m_methods.pop_back();\n'),
+             (
+                 '        const std::unique_ptr<CallbackMethod> first(m_methods.front());\n'
+                 '        m_methods.erase(m_methods.begin());\n')),
+    Mutation("methods-never-deleted", HANDLER_SOURCE,
+             'const std::unique_ptr<CallbackMethod> last(m_methods.back());',
+             'static_cast<void>(m_methods.back());'),
+    Mutation("plain-handler-unbound", HANDLER_SOURCE,
+             (
+                 '    return true;\n'
+                 '}\n'
+                 '\n'
+                 'void'),
+             (
+                 '    return false;\n'
+                 '}\n'
+                 '\n'
+                 'void')),
+    Mutation("null-method-taken", HANDLER_SOURCE,
+             'method == nullptr || contains(method)',
+             'contains(method)'),
+    Mutation("method-taken-twice", HANDLER_SOURCE,
+             'method == nullptr || contains(method)',
+             'method == nullptr'),
+    Mutation("any-method-found", HANDLER_SOURCE,
+             'found == m_methodsByName.end() ? nullptr : found->second',
+             'm_methodsByName.empty() ? nullptr : m_methodsByName.begin()->second'),
+    Mutation("text-cut-at-a-nul", VALUE_SOURCE,
+             (
+                 '    return std::string(json_object_get_string(string),\n'
+                 '                       static_cast<std::size_t>(json_object_get_string_len(string)));'),
+             '    return std::string(json_object_get_string(string));'),
+    Mutation("null-as-a-text", VALUE_SOURCE,
+             (
+                 '    case json_type_null:\n'
+                 '        return std::string();'),
+             (
+                 '    case json_type_null:\n'
+                 '        return std::string("null");')),
+    Mutation("number-not-clamped", VALUE_SOURCE,
+             'return static_cast<int>(std::clamp(value, double(Limits::min()), double(Limits::max())));',
+             'return static_cast<int>(static_cast<long long>(std::clamp(value, -4e9, 4e9)));'),
+    Mutation("copy-takes-no-reference", VALUE_SOURCE,
+             'KX_JSON::KX_JSON(const KX_JSON& other) noexcept : m_object(json_object_get(other.m_object)) {}',
+             'KX_JSON::KX_JSON(const KX_JSON& other) noexcept : m_object(other.m_object) {}'),
+    Mutation("member-set-without-a-reference", VALUE_SOURCE,
+             '    set_member(key, json_object_get(value.m_object));',
+             '    set_member(key, value.m_object);'),
+    Mutation("deep-copy-shares", VALUE_SOURCE,
+             (
+                 '    KX_JSON copy;\n'
+                 '    if (m_object'),
+             (
+                 '    KX_JSON copy(*this);\n'
+                 '    return copy;\n'
+                 '    if (m_object')),
 ]

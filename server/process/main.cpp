@@ -51,8 +51,8 @@ void serve(const Options& options)
         network.start_commissioned(options.nodes);
     ReplyDelay delay(options.delay);
     const ServerRuntime runtime(options.threads);
-    const org::opensplice::DDS_RMI::shared_ptr<VarnelService> service(new VarnelService(network, log, delay));
-    const RegisteredService registration(service, options.service, options.instance);
+    const RegisteredService registration(make_varnel_service(network, log, delay), options.service,
+                                         options.instance);
     run_until_stopped(runtime, signals, {[&] { log.note(ready_line(options)); }, [&] { delay.end(); }});
 }
 

@@ -44,12 +44,12 @@ ServerRuntime::~ServerRuntime()
     attempt("stopping the DDS RMI runtime", [this] { m_runtime->stop(); });
 }
 
-RegisteredService::RegisteredService(const rmi::shared_ptr<VarnelService>& service, const std::string& name,
+RegisteredService::RegisteredService(const VarnelServiceHandle& service, const std::string& name,
                                      int instance)
     : m_name(name), m_instance(instance)
 {
     using Skeleton = DDS_RMI::VarnelRMI::VarnelRMIServiceInterface;
-    if (!rmi::DDS_Service::register_interface<Skeleton, VarnelService>(service, name, instance))
+    if (!rmi::DDS_Service::register_interface<Skeleton, Skeleton>(service, name, instance))
         throw std::runtime_error("the service '" + name + "', instance " + std::to_string(instance) +
                                  ", cannot be registered; see the message before this one");
 }

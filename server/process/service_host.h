@@ -34,8 +34,7 @@ class RegisteredService
 {
 public:
     /// Throws std::runtime_error when it cannot be offered.
-    RegisteredService(const org::opensplice::DDS_RMI::shared_ptr<VarnelService>& service,
-                      const std::string& name, int instance);
+    RegisteredService(const VarnelServiceHandle& service, const std::string& name, int instance);
     ~RegisteredService();
     RegisteredService(const RegisteredService&) = delete;
     RegisteredService& operator=(const RegisteredService&) = delete;

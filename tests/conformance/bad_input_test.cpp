@@ -186,4 +186,17 @@ TEST_F(OddInput, in_one_key_leaves_the_others_alone_when_a_key_is_missing)
         }
 }
 
+TEST_F(OddInput, with_a_NUL_is_copied_up_to_it_and_no_further)
+{
+    for (const OperationFacts& facts : all_operations())
+        for (const Parameter& changed : facts.parameters) {
+            if (!changed.is_copied)
+                continue;
+            SCOPED_TRACE(facts.name + ", " + changed.key);
+            EXPECT_THAT(only({"memory"}, call_with(facts, changed, R"("ab\u0000cdefgh")").events),
+                        testing::Contains("memory: new array 3"));
+            m_proxy->forget_calls();
+        }
+}
+
 } // namespace

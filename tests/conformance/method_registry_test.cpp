@@ -22,22 +22,7 @@ using zeb::api::data::KX_JSON;
 
 namespace rmi = org::opensplice::DDS_RMI;
 
-const std::vector<std::string> names_in_order = {
-    "network_commission",
-    "network_decommission",
-    "network_get_info",
-    "network_add_nodes",
-    "network_remove_nodes",
-    "advertising",
-    "node_get_data",
-    "node_set_config",
-    "node_get_config",
-    "network_get_node_list",
-    "test_node_create",
-    "test_node_set_sensor_data",
-    "network_get_nodes_status",
-    "node_set_config_revert",
-};
+const std::vector<std::string> names_in_order = method_names();
 
 class MethodRegistry : public LookupTest
 {
@@ -54,7 +39,7 @@ protected:
     std::string m_thrown;
 };
 
-TEST_F(MethodRegistry, has_the_fourteen_methods_in_order)
+TEST_F(MethodRegistry, has_every_method_in_order)
 {
     making_a_handler();
 
@@ -89,7 +74,7 @@ TEST_F(MethodRegistry, is_filled_once_the_proxy_has_been_handed_over_and_asked_f
 
 TEST_F(MethodRegistry, is_never_said_to_be_bound_while_it_is_half_filled)
 {
-    int asked = 0;
+    std::size_t asked = 0;
     rmi_layer().at["method"] = [&asked] {
         ++asked;
         EXPECT_FALSE(handler_being_filled().isBound());
@@ -97,7 +82,7 @@ TEST_F(MethodRegistry, is_never_said_to_be_bound_while_it_is_half_filled)
 
     making_a_handler();
 
-    EXPECT_EQ(asked, 14);
+    EXPECT_EQ(asked, names_in_order.size());
     EXPECT_TRUE(m_handler->isBound());
 }
 
@@ -113,11 +98,22 @@ TEST_F(MethodRegistry, that_cannot_be_filled_takes_the_handler_down)
                 ElementsAre("output: KX_DDS_RMI_PROXY destroy\n", "output: VarnelInterface destructor\n"));
 }
 
+TEST_F(MethodRegistry, makes_an_empty_description_for_each_method_and_drops_it_before_the_next)
+{
+    Events expected;
+    for (const std::string& name : names_in_order)
+        for (const std::string& event : {std::string("json: made of no object"), std::string("json: copied"),
+                                         "method: " + name, std::string("json: dropped")})
+            expected.push_back(event);
+
+    EXPECT_EQ(only({"json", "method"}, making_a_handler()), expected);
+}
+
 TEST_F(MethodRegistry, has_no_descriptions)
 {
     making_a_handler();
 
-    ASSERT_THAT(m_handler->GetMethods(), SizeIs(14));
+    ASSERT_THAT(m_handler->GetMethods(), SizeIs(names_in_order.size()));
     for (const CallbackMethod* const method : m_handler->GetMethods())
         EXPECT_EQ(method->GetDescription().get(), nullptr) << method->GetName();
 }
@@ -246,6 +242,32 @@ TEST_F(MethodObject, calls_the_function_it_was_made_with_on_the_owner_it_was_mad
 
     EXPECT_EQ(m_owner.seen_out, nullptr);
     EXPECT_EQ(other.seen_out, &out);
+}
+
+TEST_F(MethodObject, gives_copies_of_its_description_that_share_its_object)
+{
+    const KX_JSON description = parse_json(R"({"about":"notes"})");
+    const RpcMethod<Owner> method("note", &m_owner, &Owner::note, description);
+
+    const Events events = events_of([&] { EXPECT_EQ(method.GetDescription().get(), description.get()); });
+
+    EXPECT_THAT(events, ElementsAre("json: copied", "json: dropped"));
+}
+
+TEST_F(MethodObject, drops_its_description_before_its_name)
+{
+    const std::string long_name(100, 'n');
+    auto method = std::make_unique<RpcMethod<Owner>>(long_name, &m_owner, &Owner::note, KX_JSON());
+    Events events;
+    {
+        // The name's memory is noted only when it is allocated while something records.
+        const Recording recording;
+        method = std::make_unique<RpcMethod<Owner>>(long_name, &m_owner, &Owner::note, KX_JSON());
+    }
+
+    events = events_of([&] { method.reset(); });
+
+    EXPECT_THAT(events, ElementsAre("json: dropped", "memory: delete object", "memory: delete object"));
 }
 
 TEST_F(MethodObject, leaves_its_owner_alone_when_it_goes)

@@ -252,6 +252,21 @@ TEST_P(MissingService, still_uses_the_stopped_runtime_when_the_holder_goes)
                 ElementsAre("output: KX_DDS_RMI_PROXY destroy\n", "runtime: stop", "runtime: released"));
 }
 
+TEST_F(ProxyHolder, keeps_the_proxy_that_it_had_found_when_the_service_then_proves_missing)
+{
+    throw_at("syslog", [messages = 0]() mutable {
+        const int message_of_success = 3;
+        if (++messages == message_of_success)
+            throw rmi::SERVICE_NOT_FOUND();
+    });
+
+    const Events events = making_a_holder();
+
+    EXPECT_EQ(only({"output"}, events).back(), not_found_line);
+    EXPECT_FALSE(m_holder->is_proxy_found());
+    EXPECT_EQ(m_holder->proxy().get(), m_proxy);
+}
+
 class OtherFailure : public ProxyHolder, public testing::WithParamInterface<const char*>
 {
 };
@@ -316,6 +331,15 @@ TEST_F(ProxyHolder, leaves_the_proxy_to_whoever_has_a_reference)
 
     EXPECT_THAT(only({"lookup"}, dropping_the_holder()), IsEmpty());
     EXPECT_THAT(only({"lookup"}, events_of([&] { kept.reset(); })), ElementsAre("lookup: proxy released"));
+}
+
+TEST_F(ProxyHolder, catches_nothing_when_it_goes)
+{
+    making_a_holder();
+    throw_at("stop", [] { throw rmi::INTERNAL_ERROR("broken"); });
+
+    EXPECT_DEATH(m_holder.reset(), "terminate called after throwing.*INTERNAL_ERROR");
+    rmi_layer().at.clear();
 }
 
 TEST_F(ProxyHolder, never_calls_the_framework_to_stop_when_it_goes)

@@ -7,7 +7,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "for_every_operation.h"
+#include "VarnelRMI_operations.h"
 #include "operation_facts.h"
 #include "operation_fixture.h"
 
@@ -106,7 +106,7 @@ bool is_handled_by(const ReceivedCall& received)
 
 TEST(ReplyHandlerClasses, derive_virtually_from_the_generated_base_and_add_nothing)
 {
-#define EXPECT_CLASS(op) expect_made_of<MY_##op##_handler, VarnelRMIService_##op##_Reply_Handler>(#op);
+#define EXPECT_CLASS(op, ...) expect_made_of<MY_##op##_handler, VarnelRMIService_##op##_Reply_Handler>(#op);
     FOR_EVERY_OPERATION(EXPECT_CLASS)
 #undef EXPECT_CLASS
 }
@@ -117,7 +117,7 @@ class HandlerOfEachCall : public OperationTest
 
 TEST_F(HandlerOfEachCall, is_of_the_operation_s_own_class)
 {
-#define EXPECT_HANDLER(op)                                                                                   \
+#define EXPECT_HANDLER(op, ...)                                                                              \
     call(#op);                                                                                               \
     EXPECT_TRUE(is_handled_by<MY_##op##_handler>(m_proxy->calls().back())) << #op;
     FOR_EVERY_OPERATION(EXPECT_HANDLER)

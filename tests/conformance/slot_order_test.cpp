@@ -6,11 +6,9 @@
 
 #include <stdexcept>
 
-#include "for_every_operation.h"
-#include "framework/parse_json.h"
+#include "VarnelRMI_operations.h"
 #include "handler_fixture.h"
 #include "operation_facts.h"
-#include "varnel_interf.h"
 #include "varnel_reply_handlers.h"
 #include <zeb/api/CallbackMethod.h>
 
@@ -146,33 +144,6 @@ TEST_F(SlotOrder, of_the_interface_begins_with_its_destructor)
                             "output: VarnelInterface destructor\n", "memory: delete object"));
 }
 
-/// Would replace the operations if they were virtual.
-class Replacement : public VarnelInterface
-{
-public:
-#define REPLACED(op)                                                                                         \
-    int op(const shapes::Json&, shapes::Json&)                                                               \
-    {                                                                                                        \
-        return -1;                                                                                           \
-    }
-    FOR_EVERY_OPERATION(REPLACED)
-#undef REPLACED
-};
-
-TEST_F(SlotOrder, has_no_place_for_the_operations_which_are_not_virtual)
-{
-    Replacement replacement;
-    VarnelInterface& interface = replacement;
-    interface.m_proxy = ProxyHandle(m_proxy);
-    const shapes::Json in = parse_json(R"({"params": {"type": "1"}})");
-    shapes::Json out;
-
-#define EXPECT_NOT_REPLACED(op) EXPECT_EQ(interface.op(in, out), 0) << #op;
-    FOR_EVERY_OPERATION(EXPECT_NOT_REPLACED)
-#undef EXPECT_NOT_REPLACED
-    m_proxy->forget_calls();
-}
-
 TEST_F(SlotOrder, leaves_the_proxy_right_behind_the_interface_s_table)
 {
     void* const interface = new_interface();
@@ -230,7 +201,7 @@ void expect_slots_of_handler(const std::string& name)
                             "memory: delete object"));
 }
 
-#define EXPECT_SLOTS(op)                                                                                     \
+#define EXPECT_SLOTS(op, ...)                                                                                \
     expect_slots_of_handler<MY_##op##_handler, DDS_RMI::VarnelRMI::VarnelRMIService_##op##_Reply_Handler>(   \
         #op);
 

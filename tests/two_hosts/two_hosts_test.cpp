@@ -4,9 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,10 +12,13 @@
 #include "linked_hosts.h"
 #include "remote_host.h"
 #include "steady_calls.h"
+#include "support/demo_calls.h"
 
 namespace {
 
 using test_support::ChildProcess;
+using test_support::demo_calls;
+using test_support::DemoCall;
 using test_support::event_deadline;
 using testing::Ge;
 using testing::Gt;
@@ -34,38 +35,6 @@ using namespace std::chrono_literals;
 
 constexpr const char* steady_method = "network_get_info";
 constexpr const char* steady_reply = "async_network_get_info returns: ";
-
-struct Call
-{
-    std::string method;
-    std::string reply;
-    std::string params;
-};
-
-std::string trimmed(const std::string& text)
-{
-    const auto begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
-
-/// Those of the demonstration: every method once.
-std::vector<Call> every_method()
-{
-    std::vector<Call> calls;
-    std::ifstream file(DEMO_CALLS);
-    for (std::string line; std::getline(file, line);) {
-        if (line.rfind('#', 0) == 0)
-            continue;
-        std::istringstream fields(line);
-        Call call;
-        for (std::string* const field : {&call.method, &call.reply, &call.params}) {
-            std::getline(fields, *field, '|');
-            *field = trimmed(*field);
-        }
-        calls.push_back(call);
-    }
-    return calls;
-}
 
 /// Calls until a call of its own is answered; gives how long that took.
 Clock::duration time_to_an_answer(RemoteHost& host)
@@ -134,13 +103,13 @@ TEST_P(TwoHosts, answer_every_method_across_the_network)
 {
     const ChildProcess server = start_server(*m_hosts);
     RemoteHost host(*m_hosts);
-    const std::vector<Call> calls = every_method();
+    const std::vector<DemoCall> calls = demo_calls();
     ASSERT_EQ(calls.size(), 14U);
 
-    for (const Call& call : calls) {
+    for (const DemoCall& call : calls) {
         SCOPED_TRACE(call.method);
         EXPECT_PRED1(two_hosts::is_accepted, host.call(call.method, call.params));
-        EXPECT_THAT(host.process().wait_for_line("returns: "), Optional(HasSubstr(call.reply)));
+        EXPECT_THAT(host.process().wait_for_line("returns: "), Optional(HasSubstr(call.reply_line)));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "recording.h"
+#include "rmi_layer.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ void record_message(int priority, const char* format, va_list arguments)
     std::array<char, 1024> text{};
     std::vsnprintf(text.data(), text.size(), format, arguments);
     conformance::record("syslog", std::to_string(priority) + " \"" + format + "\" -> " + text.data());
+    conformance::reach("syslog");
 }
 
 } // namespace

@@ -28,6 +28,9 @@ using zeb::api::mdw::KX_DDS_RMI_RUNTIME;
 #define JSON_OBJECT_GETTER "_ZNK3zeb3api4data7KX_JSON15get_json_objectERK" STRING_CODE
 #define JSON_STRING_GETTER "_ZNK3zeb3api4data7KX_JSON15get_json_stringERK" STRING_CODE
 #define JSON_INT_GETTER "_ZNK3zeb3api4data7KX_JSON12get_json_intERK" STRING_CODE
+#define JSON_DEFAULT "_ZN3zeb3api4data7KX_JSONC1Ev"
+#define JSON_OF_OBJECT "_ZN3zeb3api4data7KX_JSONC1EPK11json_object"
+#define JSON_COPY "_ZN3zeb3api4data7KX_JSONC1ERKS2_"
 #define JSON_DESTRUCTOR "_ZN3zeb3api4data7KX_JSOND1Ev"
 #define ADD_METHOD "_ZN3zeb3api13KX_RPCHandler9AddMethodEPNS0_14CallbackMethodE"
 #define START_RUNTIME "_ZN3zeb3api3mdw18KX_DDS_RMI_RUNTIME12startRUNTIMEEb"
@@ -114,6 +117,30 @@ int wrapped_get_int(const KX_JSON* value, const std::string& key)
 {
     note_getter(value, "get_json_int", key);
     return real_get_int(value, key);
+}
+
+void real_make_default(KX_JSON*) REAL(JSON_DEFAULT);
+void wrapped_make_default(KX_JSON*) WRAPS(JSON_DEFAULT);
+void wrapped_make_default(KX_JSON* value)
+{
+    record("json", "made by default");
+    real_make_default(value);
+}
+
+void real_make_of_object(KX_JSON*, const json_object*) REAL(JSON_OF_OBJECT);
+void wrapped_make_of_object(KX_JSON*, const json_object*) WRAPS(JSON_OF_OBJECT);
+void wrapped_make_of_object(KX_JSON* value, const json_object* object)
+{
+    record("json", object == nullptr ? "made of no object" : "made of an object");
+    real_make_of_object(value, object);
+}
+
+void real_copy(KX_JSON*, const KX_JSON*) REAL(JSON_COPY);
+void wrapped_copy(KX_JSON*, const KX_JSON*) WRAPS(JSON_COPY);
+void wrapped_copy(KX_JSON* value, const KX_JSON* other)
+{
+    record("json", name_of(other) + "copied");
+    real_copy(value, other);
 }
 
 void real_destroy(KX_JSON*) REAL(JSON_DESTRUCTOR);

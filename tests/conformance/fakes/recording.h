@@ -12,7 +12,7 @@ namespace conformance {
 /// What the plug-in did, in order; each event reads "<kind>: <text>". The kinds:
 ///   output   what it wrote to standard output up to a flush
 ///   syslog   a message: priority, format, and the text that came of it
-///   json     a getter, or the end of a value that a getter gave
+///   json     a value made, a getter, or the end of a value
 ///   memory   an allocation or a release
 ///   copy     os_strcpy
 ///   mutex    a mutex of a counted object made or destroyed

@@ -52,6 +52,37 @@ std::function<void(DDS::Long)> deliverer(Handler* handler)
     };
 }
 
+void keep_if_text(std::vector<DDS::String>& texts, DDS::String text)
+{
+    texts.push_back(text);
+}
+
+template <class Other>
+void keep_if_text(std::vector<DDS::String>&, Other)
+{
+}
+
+template <class Sample, class Arguments, class Handler>
+ReceivedCall received(const char* operation, const Arguments& arguments, Handler* handler)
+{
+    ReceivedCall call{operation, {}, {}, handler, deliverer<Sample>(handler), {}};
+    std::apply(
+        [&call](auto... argument) {
+            (call.arguments.push_back(shown(argument)), ...);
+            (keep_if_text(call.texts, argument), ...);
+        },
+        arguments);
+    return call;
+}
+
+/// The form of an operation that waits for the reply, which the plug-in never uses.
+template <class Arguments>
+DDS::Long refused(const char* operation, const Arguments&)
+{
+    record("call", std::string("waiting form of ") + operation);
+    return 0;
+}
+
 } // namespace
 
 RecordingProxy::RecordingProxy() : VarnelRMIServiceInterfaceProxy(seed)
@@ -88,247 +119,19 @@ void RecordingProxy::receive(const ReceivedCall& call)
         m_calls.back().kept.reset(call.handler);
 }
 
-DDS::Long RecordingProxy::refuse(const char* operation)
-{
-    record("call", std::string("waiting form of ") + operation);
-    return 0;
-}
-
-DDS::Long RecordingProxy::network_commission(DDS::String)
-{
-    return refuse("network_commission");
-}
-
-void RecordingProxy::async_network_commission(DDS::String mac_addr_list,
-                                              VarnelRMIService_network_commission_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"network_commission",
-             {shown(mac_addr_list)},
-             {mac_addr_list},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_network_commission_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::network_decommission()
-{
-    return refuse("network_decommission");
-}
-
-void RecordingProxy::async_network_decommission(VarnelRMIService_network_decommission_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"network_decommission",
-             {},
-             {},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_network_decommission_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::network_add_nodes(DDS::String)
-{
-    return refuse("network_add_nodes");
-}
-
-void RecordingProxy::async_network_add_nodes(DDS::String mac_addr_list,
-                                             VarnelRMIService_network_add_nodes_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"network_add_nodes",
-             {shown(mac_addr_list)},
-             {mac_addr_list},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_network_add_nodes_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::network_remove_nodes(DDS::String)
-{
-    return refuse("network_remove_nodes");
-}
-
-void RecordingProxy::async_network_remove_nodes(DDS::String mac_addr_list,
-                                                VarnelRMIService_network_remove_nodes_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"network_remove_nodes",
-             {shown(mac_addr_list)},
-             {mac_addr_list},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_network_remove_nodes_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::advertising(DDS::Boolean)
-{
-    return refuse("advertising");
-}
-
-void RecordingProxy::async_advertising(DDS::Boolean on, VarnelRMIService_advertising_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"advertising",
-             {shown(on)},
-             {},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_advertising_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::network_get_node_list()
-{
-    return refuse("network_get_node_list");
-}
-
-void RecordingProxy::async_network_get_node_list(
-    VarnelRMIService_network_get_node_list_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"network_get_node_list",
-             {},
-             {},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_network_get_node_list_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::network_get_info()
-{
-    return refuse("network_get_info");
-}
-
-void RecordingProxy::async_network_get_info(VarnelRMIService_network_get_info_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"network_get_info",
-             {},
-             {},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_network_get_info_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::node_get_config(DDS::String)
-{
-    return refuse("node_get_config");
-}
-
-void RecordingProxy::async_node_get_config(DDS::String mac_addr,
-                                           VarnelRMIService_node_get_config_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"node_get_config",
-             {shown(mac_addr)},
-             {mac_addr},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_node_get_config_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::node_set_config(DDS::String, DDS::String)
-{
-    return refuse("node_set_config");
-}
-
-void RecordingProxy::async_node_set_config(DDS::String mac_addr, DDS::String newCfg,
-                                           VarnelRMIService_node_set_config_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"node_set_config",
-             {shown(mac_addr), shown(newCfg)},
-             {mac_addr, newCfg},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::node_get_data(DDS::String)
-{
-    return refuse("node_get_data");
-}
-
-void RecordingProxy::async_node_get_data(DDS::String mac_addr,
-                                         VarnelRMIService_node_get_data_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"node_get_data",
-             {shown(mac_addr)},
-             {mac_addr},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_node_get_data_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::network_get_nodes_status(DDS::String)
-{
-    return refuse("network_get_nodes_status");
-}
-
-void RecordingProxy::async_network_get_nodes_status(
-    DDS::String mac_addr_list, VarnelRMIService_network_get_nodes_status_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"network_get_nodes_status",
-             {shown(mac_addr_list)},
-             {mac_addr_list},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_network_get_nodes_status_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::node_set_config_revert(DDS::String, DDS::String, DDS::Long)
-{
-    return refuse("node_set_config_revert");
-}
-
-void RecordingProxy::async_node_set_config_revert(
-    DDS::String mac_addr, DDS::String newCfg, DDS::Long duration,
-    VarnelRMIService_node_set_config_revert_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"node_set_config_revert",
-             {shown(mac_addr), shown(newCfg), shown(duration)},
-             {mac_addr, newCfg},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_revert_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::test_node_create(DDS::String, DDS::Long)
-{
-    return refuse("test_node_create");
-}
-
-void RecordingProxy::async_test_node_create(DDS::String mac_addr, DDS::Long type,
-                                            VarnelRMIService_test_node_create_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"test_node_create",
-             {shown(mac_addr), shown(type)},
-             {mac_addr},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_test_node_create_reply>(handler),
-             {}});
-}
-
-DDS::Long RecordingProxy::test_node_set_sensor_data(DDS::String, DDS::String)
-{
-    return refuse("test_node_set_sensor_data");
-}
-
-void RecordingProxy::async_test_node_set_sensor_data(
-    DDS::String mac_addr, DDS::String newData,
-    VarnelRMIService_test_node_set_sensor_data_Reply_Handler* handler)
-{
-    const Unobserved unobserved;
-    receive({"test_node_set_sensor_data",
-             {shown(mac_addr), shown(newData)},
-             {mac_addr, newData},
-             handler,
-             deliverer<DDS_RMI_VarnelRMI_VarnelRMIService_test_node_set_sensor_data_reply>(handler),
-             {}});
-}
+#define RECORDED(op, parameters, parameters_with_handler, arguments)                                         \
+    DDS::Long RecordingProxy::op parameters                                                                  \
+    {                                                                                                        \
+        return refused(#op, std::make_tuple arguments);                                                      \
+    }                                                                                                        \
+                                                                                                             \
+    void RecordingProxy::async_##op parameters_with_handler                                                  \
+    {                                                                                                        \
+        const Unobserved unobserved;                                                                         \
+        using Sample = DDS_RMI_VarnelRMI_VarnelRMIService_##op##_reply;                                      \
+        receive(received<Sample>(#op, std::make_tuple arguments, handler));                                  \
+    }
+FOR_EVERY_OPERATION(RECORDED)
+#undef RECORDED
 
 } // namespace conformance

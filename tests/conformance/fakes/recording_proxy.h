@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "VarnelRMI_InterfaceProxy.h"
+#include "VarnelRMI_operations.h"
 
 namespace conformance {
 
@@ -43,62 +44,14 @@ public:
     /// Drops the calls, their handlers and their texts.
     void forget_calls();
 
-    DDS::Long network_commission(DDS::String) override;
-    void async_network_commission(
-        DDS::String mac_addr_list,
-        DDS_RMI::VarnelRMI::VarnelRMIService_network_commission_Reply_Handler* handler) override;
-    DDS::Long network_decommission() override;
-    void async_network_decommission(
-        DDS_RMI::VarnelRMI::VarnelRMIService_network_decommission_Reply_Handler* handler) override;
-    DDS::Long network_add_nodes(DDS::String) override;
-    void async_network_add_nodes(
-        DDS::String mac_addr_list,
-        DDS_RMI::VarnelRMI::VarnelRMIService_network_add_nodes_Reply_Handler* handler) override;
-    DDS::Long network_remove_nodes(DDS::String) override;
-    void async_network_remove_nodes(
-        DDS::String mac_addr_list,
-        DDS_RMI::VarnelRMI::VarnelRMIService_network_remove_nodes_Reply_Handler* handler) override;
-    DDS::Long advertising(DDS::Boolean) override;
-    void async_advertising(DDS::Boolean on,
-                           DDS_RMI::VarnelRMI::VarnelRMIService_advertising_Reply_Handler* handler) override;
-    DDS::Long network_get_node_list() override;
-    void async_network_get_node_list(
-        DDS_RMI::VarnelRMI::VarnelRMIService_network_get_node_list_Reply_Handler* handler) override;
-    DDS::Long network_get_info() override;
-    void async_network_get_info(
-        DDS_RMI::VarnelRMI::VarnelRMIService_network_get_info_Reply_Handler* handler) override;
-    DDS::Long node_get_config(DDS::String) override;
-    void async_node_get_config(
-        DDS::String mac_addr,
-        DDS_RMI::VarnelRMI::VarnelRMIService_node_get_config_Reply_Handler* handler) override;
-    DDS::Long node_set_config(DDS::String, DDS::String) override;
-    void async_node_set_config(
-        DDS::String mac_addr, DDS::String newCfg,
-        DDS_RMI::VarnelRMI::VarnelRMIService_node_set_config_Reply_Handler* handler) override;
-    DDS::Long node_get_data(DDS::String) override;
-    void
-    async_node_get_data(DDS::String mac_addr,
-                        DDS_RMI::VarnelRMI::VarnelRMIService_node_get_data_Reply_Handler* handler) override;
-    DDS::Long network_get_nodes_status(DDS::String) override;
-    void async_network_get_nodes_status(
-        DDS::String mac_addr_list,
-        DDS_RMI::VarnelRMI::VarnelRMIService_network_get_nodes_status_Reply_Handler* handler) override;
-    DDS::Long node_set_config_revert(DDS::String, DDS::String, DDS::Long) override;
-    void async_node_set_config_revert(
-        DDS::String mac_addr, DDS::String newCfg, DDS::Long duration,
-        DDS_RMI::VarnelRMI::VarnelRMIService_node_set_config_revert_Reply_Handler* handler) override;
-    DDS::Long test_node_create(DDS::String, DDS::Long) override;
-    void async_test_node_create(
-        DDS::String mac_addr, DDS::Long type,
-        DDS_RMI::VarnelRMI::VarnelRMIService_test_node_create_Reply_Handler* handler) override;
-    DDS::Long test_node_set_sensor_data(DDS::String, DDS::String) override;
-    void async_test_node_set_sensor_data(
-        DDS::String mac_addr, DDS::String newData,
-        DDS_RMI::VarnelRMI::VarnelRMIService_test_node_set_sensor_data_Reply_Handler* handler) override;
+#define RECORDED(op, parameters, parameters_with_handler, arguments)                                         \
+    DDS::Long op parameters override;                                                                        \
+    void async_##op parameters_with_handler override;
+    FOR_EVERY_OPERATION(RECORDED)
+#undef RECORDED
 
 private:
     void receive(const ReceivedCall& call);
-    static DDS::Long refuse(const char* operation);
 
     bool m_keeps_handlers = true;
     std::mutex m_mutex;

@@ -168,6 +168,7 @@ bool CRuntime::start(int count, const char* arguments[])
 bool CRuntime::stop()
 {
     record("runtime", "stop");
+    reach("stop");
     return true;
 }
 

@@ -34,7 +34,8 @@ struct RmiLayer
     /// What the registry answers a lookup with; may be null.
     org::opensplice::DDS_RMI::CInterfaceProxy_ref found;
     /// Run when the step of that name has been recorded; may throw. The steps: "obtain", "start", "ready",
-    /// "register", "registry", "resolve", "mutex", "call", "device", "method".
+    /// "register", "registry", "resolve", "mutex", "call", "device", "method", "stop"; and "syslog", at each
+    /// message.
     std::map<std::string, Step> at;
 };
 

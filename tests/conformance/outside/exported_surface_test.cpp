@@ -34,11 +34,11 @@ struct Symbol
     std::string name;
 };
 
-/// The rows of a library's table of dynamic symbols.
-std::vector<Symbol> dynamic_symbols(const std::string& library)
+/// The rows of a library's table of symbols: "--dyn-syms" for those of the dynamic linker, "--syms" for all.
+std::vector<Symbol> symbols(const std::string& library, const std::string& table)
 {
     std::vector<Symbol> symbols;
-    std::istringstream lines(run({"readelf", "--dyn-syms", "--wide", library}));
+    std::istringstream lines(run({"readelf", table, "--wide", library}));
     for (std::string line; std::getline(lines, line);) {
         std::istringstream row(line);
         std::string number, value, size, type, visibility;
@@ -64,7 +64,7 @@ std::string without_version(const std::string& name)
 std::vector<std::string> exported_symbols(const std::string& library)
 {
     std::vector<std::string> names;
-    for (const Symbol& symbol : dynamic_symbols(library))
+    for (const Symbol& symbol : symbols(library, "--dyn-syms"))
         if (!is_undefined(symbol) && symbol.binding != "LOCAL" && symbol.section != "Ndx")
             names.push_back(symbol.name);
     return names;
@@ -74,15 +74,15 @@ std::vector<std::string> exported_symbols(const std::string& library)
 std::vector<std::string> needed_symbols()
 {
     std::vector<std::string> names;
-    for (const Symbol& symbol : dynamic_symbols(PLUGIN))
+    for (const Symbol& symbol : symbols(PLUGIN, "--dyn-syms"))
         if (is_undefined(symbol) && symbol.binding == "GLOBAL")
             names.push_back(without_version(symbol.name));
     return names;
 }
 
-std::vector<std::string> needed_libraries()
+/// What the dynamic section tells after each `mark`.
+std::vector<std::string> told_after(const std::string& mark)
 {
-    const std::string mark = "Shared library: [";
     std::vector<std::string> names;
     std::istringstream lines(run({"readelf", "--dynamic", "--wide", PLUGIN}));
     for (std::string line; std::getline(lines, line);) {
@@ -91,6 +91,11 @@ std::vector<std::string> needed_libraries()
             names.push_back(line.substr(at + mark.size(), line.rfind(']') - at - mark.size()));
     }
     return names;
+}
+
+std::vector<std::string> needed_libraries()
+{
+    return told_after("Shared library: [");
 }
 
 bool is_run_time_of_the_compiler(const std::string& library)
@@ -102,9 +107,38 @@ bool is_run_time_of_the_compiler(const std::string& library)
     return false;
 }
 
+/// The names of the library's own objects that can be written to while it runs.
+std::vector<std::string> writable_objects()
+{
+    std::vector<std::string> sections;
+    std::istringstream headers(run({"readelf", "--section-headers", "--wide", PLUGIN}));
+    for (std::string line; std::getline(headers, line);)
+        for (const char* const name : {" .data ", " .bss "})
+            if (line.find(name) != std::string::npos)
+                sections.push_back(std::to_string(std::stoi(line.substr(line.find('[') + 1))));
+    EXPECT_THAT(sections, testing::SizeIs(2));
+
+    std::vector<std::string> names;
+    for (const Symbol& symbol : symbols(PLUGIN, "--syms"))
+        if (std::find(sections.begin(), sections.end(), symbol.section) != sections.end() &&
+            symbol.name.rfind("_Z", 0) == 0)
+            names.push_back(symbol.name);
+    return names;
+}
+
 TEST(ExportedSurface, is_the_factory_alone)
 {
     EXPECT_THAT(exported_symbols(PLUGIN), ElementsAre("RPCHandler"));
+}
+
+TEST(ExportedSurface, has_the_file_s_own_name_for_the_dynamic_linker)
+{
+    EXPECT_THAT(told_after("Library soname: ["), ElementsAre("libvarnelrpc_1.0.2.so"));
+}
+
+TEST(ExportedSurface, keeps_no_state_but_that_of_the_standard_streams)
+{
+    EXPECT_THAT(writable_objects(), testing::IsSubsetOf({"_ZStL8__ioinit"}));
 }
 
 TEST(ExportedSurface, rests_on_the_framework_the_interface_library_and_the_RMI_layer_only)
@@ -162,13 +196,13 @@ TEST(ExportedSurface, needs_no_more_of_the_framework_than_every_host_s_library_h
     EXPECT_THAT(beyond, IsEmpty());
 }
 
-TEST(ExportedSurface, uses_no_file_environment_thread_or_setting_of_the_system_log)
+TEST(ExportedSurface, uses_no_file_environment_thread_lock_or_setting_of_the_system_log)
 {
     const std::vector<std::string> needed = needed_symbols();
 
     for (const char* const name :
-         {"getenv", "secure_getenv", "open", "open64", "fopen", "fopen64", "pthread_create", "vsyslog",
-          "__vsyslog_chk", "openlog", "closelog", "setlogmask"})
+         {"getenv", "secure_getenv", "open", "open64", "fopen", "fopen64", "pthread_create",
+          "pthread_mutex_lock", "flockfile", "vsyslog", "__vsyslog_chk", "openlog", "closelog", "setlogmask"})
         EXPECT_THAT(needed, Not(Contains(name)));
 }
 

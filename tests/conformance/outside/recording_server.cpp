@@ -10,9 +10,11 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "VarnelRMI_Interface.h"
+#include "VarnelRMI_operations.h"
 
 namespace {
 
@@ -50,42 +52,21 @@ class RecordingService : public DDS_RMI::VarnelRMI::VarnelRMIServiceInterface
 public:
     explicit RecordingService(std::vector<DDS::Long> replies) : m_replies(std::move(replies)) {}
 
-    DDS::Long network_commission(DDS::String list) override { return answer("network_commission", list); }
-    DDS::Long network_decommission() override { return answer("network_decommission"); }
-    DDS::Long network_add_nodes(DDS::String list) override { return answer("network_add_nodes", list); }
-    DDS::Long network_remove_nodes(DDS::String list) override { return answer("network_remove_nodes", list); }
-    DDS::Long advertising(DDS::Boolean on) override { return answer("advertising", on); }
-    DDS::Long network_get_node_list() override { return answer("network_get_node_list"); }
-    DDS::Long network_get_info() override { return answer("network_get_info"); }
-    DDS::Long node_get_config(DDS::String node) override { return answer("node_get_config", node); }
-    DDS::Long node_set_config(DDS::String node, DDS::String config) override
-    {
-        return answer("node_set_config", node, config);
+#define ANSWERED(op, parameters, parameters_with_handler, arguments)                                         \
+    DDS::Long op parameters override                                                                         \
+    {                                                                                                        \
+        return answer(#op, std::make_tuple arguments);                                                       \
     }
-    DDS::Long node_get_data(DDS::String node) override { return answer("node_get_data", node); }
-    DDS::Long network_get_nodes_status(DDS::String list) override
-    {
-        return answer("network_get_nodes_status", list);
-    }
-    DDS::Long node_set_config_revert(DDS::String node, DDS::String config, DDS::Long duration) override
-    {
-        return answer("node_set_config_revert", node, config, duration);
-    }
-    DDS::Long test_node_create(DDS::String node, DDS::Long type) override
-    {
-        return answer("test_node_create", node, type);
-    }
-    DDS::Long test_node_set_sensor_data(DDS::String node, DDS::String data) override
-    {
-        return answer("test_node_set_sensor_data", node, data);
-    }
+    FOR_EVERY_OPERATION(ANSWERED)
+#undef ANSWERED
 
 private:
     template <class... Arguments>
-    DDS::Long answer(const char* operation, Arguments... arguments)
+    DDS::Long answer(const char* operation, const std::tuple<Arguments...>& arguments)
     {
         std::string line;
-        ((line += (line.empty() ? "" : ", ") + shown(arguments)), ...);
+        std::apply([&line](auto... each) { ((line += (line.empty() ? "" : ", ") + shown(each)), ...); },
+                   arguments);
         std::cout << operation << '(' << line << ')' << std::endl;
         return m_replies.empty() ? 0 : m_replies[m_answered++ % m_replies.size()];
     }

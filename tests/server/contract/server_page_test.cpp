@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string>
 
+#include "VarnelRMI_operations.h"
+
 #include "contract/network_limits.h"
 #include "contract/reply.h"
 #include "network/node_type.h"
@@ -26,6 +28,13 @@ std::string limit_row(const std::string& what, std::size_t limit)
 }
 
 } // namespace
+
+TEST(ServerPage, lists_every_operation)
+{
+#define EXPECT_LISTED(op, ...) EXPECT_THAT(page(), HasSubstr("| `" #op "("));
+    FOR_EVERY_OPERATION(EXPECT_LISTED)
+#undef EXPECT_LISTED
+}
 
 TEST(ServerPage, lists_every_failure_with_its_name_and_meaning)
 {

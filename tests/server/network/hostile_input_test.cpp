@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <functional>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "VarnelRMI_operations.h"
 
 #include "contract/network_limits.h"
 #include "network_test.h"
@@ -57,38 +61,60 @@ private:
 using varnel::Reply;
 using varnel::SensorNetwork;
 
+/// An argument of a parameter's type, which lives while the call is made.
+template <class Parameter>
+struct RandomArgument;
+
+template <>
+struct RandomArgument<std::string_view>
+{
+    explicit RandomArgument(TextSource& source) : value(source.text()) {}
+    std::string value;
+};
+
+template <>
+struct RandomArgument<bool>
+{
+    explicit RandomArgument(TextSource& source) : value(source.number(0, 1) == 1) {}
+    bool value;
+};
+
+template <>
+struct RandomArgument<int>
+{
+    explicit RandomArgument(TextSource& source)
+        : value(source.number(0, 1) == 0 ? source.number(-3, 300) : source.any_number())
+    {
+    }
+    int value;
+};
+
+using Call = std::function<Reply(SensorNetwork&, TextSource&)>;
+
+template <class... Parameters>
+Call random_call(Reply (SensorNetwork::*operation)(Parameters...))
+{
+    return [operation](SensorNetwork& network, [[maybe_unused]] TextSource& source) {
+        return (network.*operation)(RandomArgument<Parameters>(source).value...);
+    };
+}
+
+const std::vector<Call>& calls()
+{
+#define RANDOM_CALL(op, ...) random_call(&SensorNetwork::op),
+    static const std::vector<Call> all = {FOR_EVERY_OPERATION(RANDOM_CALL)};
+#undef RANDOM_CALL
+    return all;
+}
+
+/// Makes one of them. A network that has ended, as one in so many calls makes it, is made anew.
 Reply random_call(SensorNetwork& network, TextSource& source)
 {
-    switch (source.number(1, 14)) {
-    case 1:
-        return network.network_commission(source.text());
-    case 2:
-        return source.number(0, 20) == 0 ? network.network_decommission() : Reply{};
-    case 3:
-        return network.network_add_nodes(source.text());
-    case 4:
-        return network.network_remove_nodes(source.text());
-    case 5:
-        return network.advertising(source.number(0, 1) == 1);
-    case 6:
-        return network.network_get_node_list();
-    case 7:
-        return network.network_get_info();
-    case 8:
-        return network.node_get_config(source.text());
-    case 9:
-        return network.node_set_config(source.text(), source.text());
-    case 10:
-        return network.node_get_data(source.text());
-    case 11:
-        return network.network_get_nodes_status(source.text());
-    case 12:
-        return network.node_set_config_revert(source.text(), source.text(), source.any_number());
-    case 13:
-        return network.test_node_create(source.text(), source.number(-3, 300));
-    default:
-        return network.test_node_set_sensor_data(source.text(), source.text());
-    }
+    const int choice = source.number(0, static_cast<int>(calls().size()) - 1);
+    const Reply reply = calls()[static_cast<std::size_t>(choice)](network, source);
+    if ((network.network_get_info().value & SensorNetwork::info_commissioned) == 0)
+        network.network_commission("00:00:00:00:00:0A");
+    return reply;
 }
 
 bool is_documented(int value)
