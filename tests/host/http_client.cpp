@@ -14,6 +14,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include "child_process.h"
 
@@ -25,22 +26,32 @@ namespace {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
+sockaddr_in loopback(std::uint16_t port, const std::string& host)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    inet_pton(AF_INET, host.c_str(), &address.sin_addr);
+    return address;
+}
+
 template <class Address>
-zorbd::FileDescriptor connect_to(const Address& address, int family)
+zorbd::FileDescriptor connect_to(const Address& address, int family, const std::string& from = {})
 {
     zorbd::FileDescriptor opened(socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!from.empty()) {
+        const sockaddr_in source = loopback(0, from);
+        if (bind(opened.get(), reinterpret_cast<const sockaddr*>(&source), sizeof source) != 0)
+            fail("cannot bind");
+    }
     if (connect(opened.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         fail("cannot connect");
     return opened;
 }
 
-zorbd::FileDescriptor connect_to(std::uint16_t port)
+zorbd::FileDescriptor connect_to(std::uint16_t port, const std::string& from = {})
 {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return connect_to(address, AF_INET);
+    return connect_to(loopback(port, "127.0.0.1"), AF_INET, from);
 }
 
 zorbd::FileDescriptor connect_to(const std::string& path)
@@ -72,6 +83,10 @@ std::size_t content_length(const std::string& head)
 
 } // namespace
 
+HttpConnection::HttpConnection(std::uint16_t port, const std::string& from) : m_socket(connect_to(port, from))
+{
+}
+
 HttpConnection::HttpConnection(std::uint16_t port) : m_socket(connect_to(port)) {}
 
 HttpConnection::HttpConnection(const std::string& path) : m_socket(connect_to(path)) {}
@@ -92,6 +107,17 @@ void HttpConnection::send(const std::string& bytes) const
             fail("cannot send");
         sent += static_cast<std::size_t>(now);
     }
+}
+
+void HttpConnection::end_sending() const
+{
+    shutdown(m_socket.get(), SHUT_WR);
+}
+
+std::string HttpConnection::receive_all()
+{
+    wait_closed();
+    return std::exchange(m_received, {});
 }
 
 HttpResponse HttpConnection::receive()

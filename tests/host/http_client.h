@@ -25,9 +25,15 @@ public:
     /// Connects to a port of 127.0.0.1, or to a Unix socket.
     explicit HttpConnection(std::uint16_t port);
     explicit HttpConnection(const std::string& path);
+    /// Connects to a port of 127.0.0.1 from another loopback address.
+    HttpConnection(std::uint16_t port, const std::string& from);
 
     void send(const std::string& bytes) const;
+    /// Tells the server that nothing more will be sent.
+    void end_sending() const;
     HttpResponse receive();
+    /// Everything until the server closes the connection.
+    std::string receive_all();
     /// Everything that comes up to `end`, with it.
     std::string receive_until(const std::string& end);
     /// Waits for the server to close the connection.

@@ -27,10 +27,11 @@ class Call : public zorbd::Work
 public:
     explicit Call(std::function<void()> body) : m_body(std::move(body)) {}
 
-    void run() override
+    bool run(bool /*may_wait*/) override
     {
         m_body();
         m_ran_on.set_value(std::this_thread::get_id());
+        return true;
     }
     void deliver() override { m_delivered.set_value(); }
 
@@ -111,7 +112,7 @@ private:
     std::thread::id m_handler;
     std::size_t m_taken = 0;
     bool m_woken = false;
-    zorbd::WorkerPool m_workers{2, 4};
+    zorbd::WorkerPool m_workers{2, 2, 4};
 
 protected:
     zorbd::IoThreads m_threads{m_workers, [this] { handle_events(); }, [this] { wake(); }};

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "json/json_parser.h"
+#include "json/json_reader.h"
 
 namespace host_test {
 

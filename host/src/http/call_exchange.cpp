@@ -9,69 +9,129 @@
 #include "http/peer_text.h"
 
 namespace zorbd {
-namespace {
 
-/// Judges and tells of the calls of one request.
-class JudgedCalls : public CallObserver
-{
-public:
-    /// `token` may be null: then nothing is refused.
-    JudgedCalls(CallLog& log, std::string_view peer, const Token* token)
-        : m_log(log), m_peer(peer), m_token(token)
-    {
-    }
-
-    std::string refusal_of(std::string_view method) const override
-    {
-        if (m_token == nullptr || method == "rpc.discover" || m_token->allows(method))
-            return {};
-        return std::string(method) + ": the token '" + m_token->name + "' does not allow this method";
-    }
-
-    void call_ended(const CallRecord& call) noexcept override
-    {
-        ++(call.code == static_cast<int>(RpcErrorCode::refused) ? m_refused : m_others);
-        const std::string_view name = m_token == nullptr ? std::string_view() : m_token->name;
-        m_log.add({m_peer, name, call.method, call.id, call.duration, call.code});
-    }
-
-    /// Whether each of them was outside the caller's rights.
-    bool all_refused() const { return m_refused > 0 && m_others == 0; }
-
-private:
-    CallLog& m_log;
-    const std::string_view m_peer;
-    const Token* const m_token;
-    unsigned m_refused = 0;
-    unsigned m_others = 0;
-};
-
-} // namespace
-
-CallExchange::CallExchange(const Dispatcher& dispatcher, CallLog& log, IoThreads& threads, DoneCalls& done,
+CallExchange::CallExchange(const CallServices& services, IoThreads& threads, DoneCalls& done,
                            HttpConnection& connection, std::string body, std::shared_ptr<const Token> token)
-    : asks(&connection), m_dispatcher(dispatcher), m_log(log), m_threads(threads), m_done(done),
-      m_body(std::move(body)), m_peer(log.needs_peer() ? peer_text(connection.socket()) : std::string()),
+    : asks(&connection), m_services(services), m_threads(threads), m_done(done), m_body(std::move(body)),
+      m_peer(services.log.needs_peer() ? peer_text(connection.socket()) : std::string()),
       m_token(std::move(token))
 {
 }
 
-void CallExchange::run()
+bool CallExchange::run(bool may_wait)
 {
     const auto begin = IoThreads::Clock::now();
+    m_may_wait = may_wait;
     try {
-        JudgedCalls calls(m_log, m_peer, m_token.get());
-        answer = m_dispatcher.answer(m_body, &calls);
-        was_refused = calls.all_refused();
+        answer = m_services.dispatcher.answer(m_body, this);
+    } catch (const CallWaits&) {
+        return false; // it may be running elsewhere by now
     } catch (const std::exception& error) {
         answer = error_response({RpcErrorCode::internal_error, error.what()});
     }
+    was_refused = m_refused > 0 && m_not_refused == 0;
     m_threads.worked(IoThreads::Clock::now() - begin);
+    return true;
 }
 
 void CallExchange::deliver()
 {
     m_done.take_back(*this);
+}
+
+std::string CallExchange::refusal_of(std::string_view method) const
+{
+    if (m_token == nullptr || method == "rpc.discover" || m_token->allows(method))
+        return {};
+    return std::string(method) + ": the token '" + m_token->name + "' does not allow this method";
+}
+
+CallObserver::Start CallExchange::call_starts(const std::string& plugin)
+{
+    PluginLoad& load = m_services.loads.of(plugin);
+    switch (enter(load)) {
+    case PluginLoad::Entry::waits:
+        return Start::waits;
+    case PluginLoad::Entry::refused:
+        return Start::refused;
+    case PluginLoad::Entry::entered:
+        break;
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_waits_at = nullptr;
+    m_runs_at = &load;
+    return Start::runs;
+}
+
+/// An I/O thread does not wait, and neither does a batch of which a part has been run.
+PluginLoad::Entry CallExchange::enter(PluginLoad& load)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_waits_at = nullptr;
+        if (m_is_given_up)
+            return PluginLoad::Entry::refused;
+        if (m_may_wait && m_answered.empty())
+            m_waits_at = &load; // before it is told to the load, which may tell it to go on at once
+        else if (m_may_wait)
+            return load.try_enter() ? PluginLoad::Entry::entered : PluginLoad::Entry::refused;
+    }
+    if (m_may_wait)
+        return load.enter(*this);
+    load.enter_anyway();
+    return PluginLoad::Entry::entered;
+}
+
+void CallExchange::call_returned() noexcept
+{
+    PluginLoad* load = nullptr;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        load = std::exchange(m_runs_at, nullptr);
+        if (std::exchange(m_is_stuck, false))
+            load->remove_stuck();
+    }
+    load->leave();
+}
+
+void CallExchange::call_ended(const CallRecord& call) noexcept
+{
+    ++(call.code == static_cast<int>(RpcErrorCode::refused) ? m_refused : m_not_refused);
+    const std::string_view name = m_token == nullptr ? std::string_view() : m_token->name;
+    m_services.log.add({m_peer, name, call.method, call.id, call.duration, call.code});
+}
+
+void CallExchange::answered(const std::optional<std::string>& response)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_answered.push_back(response);
+}
+
+void CallExchange::try_again() noexcept
+{
+    m_services.workers.submit_reserved(*this);
+}
+
+std::optional<std::string> CallExchange::give_up(const std::string& why)
+{
+    std::vector<std::optional<std::string>> answered_so_far;
+    PluginLoad* waits_at = nullptr;
+    asks = nullptr;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_is_given_up = true;
+        m_is_stuck = m_runs_at != nullptr;
+        if (m_is_stuck)
+            m_runs_at->add_stuck();
+        answered_so_far = m_answered;
+        waits_at = m_waits_at;
+    }
+    auto given = m_services.dispatcher.answer_late(m_body, answered_so_far, why);
+    if (waits_at != nullptr && waits_at->forget(*this)) {
+        m_services.workers.release(); // it will not be run
+        deliver();
+    }
+    return given;
 }
 
 } // namespace zorbd

@@ -99,9 +99,7 @@ HttpConnection::Fate HttpConnection::answer_overdue()
 {
     if (!m_is_overdue.exchange(false) || m_stage != Stage::working)
         return Fate::stays;
-    std::exchange(m_call, nullptr)->asks = nullptr;
-    respond(error_answer(200, RpcErrorCode::remote_timeout, "the call took too long"));
-    return proceed();
+    return take_answer(m_services.give_up(*m_call), false);
 }
 
 /// As far as it goes without waiting.

@@ -29,6 +29,8 @@ public:
     /// Starts a call; null when too many are outstanding.
     virtual CallExchange* start_call(HttpConnection& connection, std::string body,
                                      std::shared_ptr<const Token> token) = 0;
+    /// Stops to wait for a call that takes too long, and gives the answer in its place.
+    virtual std::optional<std::string> give_up(CallExchange& call) = 0;
     /// A request was not answered as it wanted to be.
     virtual void count_refusal(unsigned status) noexcept = 0;
     /// What makes the server call proceed() on a connection. It may be called on any thread, and when the

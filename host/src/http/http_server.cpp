@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "system/duration_text.h"
+
 namespace zorbd {
 namespace {
 
@@ -44,7 +46,7 @@ HttpServer::HttpServer(const RequestGate& gate, const HttpServices& services)
 {
     add(m_epoll.get(), m_wake_up.get(), EPOLLIN | EPOLLET, nullptr);
     m_threads.emplace(
-        services.workers, [this] { handle_events(); }, [this] { wake(); });
+        services.calls.workers, [this] { handle_events(); }, [this] { wake(); });
 }
 
 HttpServer::~HttpServer()
@@ -66,8 +68,8 @@ void HttpServer::take_in(std::unique_ptr<Transport> transport, ConnectionRegistr
 CallExchange* HttpServer::start_call(HttpConnection& connection, std::string body,
                                      std::shared_ptr<const Token> token)
 {
-    auto call = std::make_unique<CallExchange>(m_services.dispatcher, m_services.calls, *m_threads, *this,
-                                               connection, std::move(body), std::move(token));
+    auto call = std::make_unique<CallExchange>(m_services.calls, *m_threads, *this, connection,
+                                               std::move(body), std::move(token));
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         ++m_calls;
@@ -88,6 +90,12 @@ void HttpServer::count_refusal(unsigned status) noexcept
 std::function<void()> HttpServer::wake_of(const HttpConnection& connection)
 {
     return [this, woken = &connection] { put([woken](Inbox& inbox) { inbox.woken.push_back(woken); }); };
+}
+
+std::optional<std::string> HttpServer::give_up(CallExchange& call)
+{
+    return call.give_up("no answer within " + seconds_text(m_services.call_timeout) +
+                        " s (--call-timeout); the call is left to end");
 }
 
 void HttpServer::note_overdue() noexcept

@@ -3,6 +3,7 @@
 #define ZORBD_HTTP_SERVER_H
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -30,10 +31,9 @@ namespace zorbd {
 /// What all servers share. All of it must outlive them.
 struct HttpServices
 {
-    const Dispatcher& dispatcher;
-    WorkerPool& workers;
+    CallServices calls;
     Metrics& metrics;
-    CallLog& calls;
+    std::chrono::milliseconds call_timeout; ///< for what a client is told
 };
 
 /// Serves HTTP on the connections that it is given. Its I/O threads handle them all and run quick calls;
@@ -68,6 +68,7 @@ private:
                              std::shared_ptr<const Token> token) override;
     void count_refusal(unsigned status) noexcept override;
     std::function<void()> wake_of(const HttpConnection& connection) override;
+    std::optional<std::string> give_up(CallExchange& call) override;
     void note_overdue() noexcept override;
     void take_back(CallExchange& done) noexcept override;
 

@@ -87,7 +87,7 @@ void IoThreads::run_next(std::unique_lock<std::mutex>& lock)
     if (std::exchange(m_watch_sleeps, false))
         m_changed.notify_all();
     lock.unlock();
-    work->run();
+    work->run(false);
     m_workers.release();
     work->deliver();
     lock.lock();

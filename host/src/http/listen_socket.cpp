@@ -2,12 +2,17 @@
 #include "http/listen_socket.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -111,16 +116,6 @@ std::string without_brackets(const std::string& host)
     return host;
 }
 
-std::uint16_t bound_port(const FileDescriptor& socket, const std::string& what)
-{
-    SocketAddress bound;
-    bound.length = sizeof bound.storage;
-    check(getsockname(socket.get(), bound.get(), &bound.length), what);
-    if (bound.storage.ss_family == AF_INET6)
-        return ntohs(reinterpret_cast<const sockaddr_in6*>(&bound.storage)->sin6_port);
-    return ntohs(reinterpret_cast<const sockaddr_in*>(&bound.storage)->sin_port);
-}
-
 FileDescriptor listen_tcp(const TcpAddress& address)
 {
     const std::string what = "cannot listen on " + to_text(address);
@@ -133,18 +128,55 @@ FileDescriptor listen_tcp(const TcpAddress& address)
     return socket;
 }
 
-bool is_socket(const std::string& path)
+std::optional<struct stat> status_of(const std::string& path)
 {
     struct stat status
     {
     };
-    return lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
+    if (lstat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return status;
+}
+
+/// Device and inode of the file at the path; nothing when there is none.
+std::optional<std::pair<dev_t, ino_t>> identity_of(const std::string& path)
+{
+    const auto status = status_of(path);
+    if (!status)
+        return std::nullopt;
+    return std::pair(status->st_dev, status->st_ino);
+}
+
+/// Which process has locked the file, as it has written there.
+std::string holder_of(const FileDescriptor& lock)
+{
+    std::array<char, 32> text{};
+    const ssize_t size = pread(lock.get(), text.data(), text.size(), 0);
+    const std::string written(text.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    const std::string process = written.substr(0, written.find_first_not_of("0123456789"));
+    return process.empty() ? "another process" : "process " + process;
+}
+
+/// Of several processes that start at once one gets the lock, for as long as it lives.
+FileDescriptor lock_path(const std::string& path, const std::string& what)
+{
+    const std::string file = path + ".lock";
+    FileDescriptor lock(open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    check(lock.get(), what + ": cannot open its lock file " + file);
+    if (flock(lock.get(), LOCK_EX | LOCK_NB) != 0)
+        throw std::runtime_error(what + ": " + holder_of(lock) + " serves on it");
+    const std::string process = std::to_string(getpid()) + '\n';
+    check(ftruncate(lock.get(), 0), what + ": cannot write its lock file " + file);
+    check(static_cast<int>(pwrite(lock.get(), process.data(), process.size(), 0)),
+          what + ": cannot write its lock file " + file);
+    return lock;
 }
 
 /// Removes a socket that nobody listens on any more.
 void remove_stale_socket(const std::string& path, const SocketAddress& address)
 {
-    if (!is_socket(path))
+    const auto status = status_of(path);
+    if (!status || !S_ISSOCK(status->st_mode))
         return;
     const FileDescriptor probe = open_socket(AF_UNIX, path);
     if (connect(probe.get(), address.get(), address.length) != 0 && errno == ECONNREFUSED)
@@ -185,9 +217,36 @@ bool is_loopback(const TcpAddress& address)
            IN_LOOPBACKNET;
 }
 
+std::optional<TcpAddress> address_of(int socket)
+{
+    SocketAddress bound;
+    bound.length = sizeof bound.storage;
+    check(getsockname(socket, bound.get(), &bound.length), "cannot tell what a socket listens on");
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    if (bound.storage.ss_family == AF_INET) {
+        const auto& in = *reinterpret_cast<const sockaddr_in*>(&bound.storage);
+        inet_ntop(AF_INET, &in.sin_addr, text.data(), text.size());
+        return TcpAddress{text.data(), ntohs(in.sin_port)};
+    }
+    if (bound.storage.ss_family == AF_INET6) {
+        const auto& in6 = *reinterpret_cast<const sockaddr_in6*>(&bound.storage);
+        inet_ntop(AF_INET6, &in6.sin6_addr, text.data(), text.size());
+        return TcpAddress{text.data(), ntohs(in6.sin6_port)};
+    }
+    return std::nullopt;
+}
+
+std::string path_of(int socket)
+{
+    SocketAddress bound;
+    bound.length = sizeof bound.storage;
+    check(getsockname(socket, bound.get(), &bound.length), "cannot tell what a socket listens on");
+    return reinterpret_cast<const sockaddr_un*>(&bound.storage)->sun_path;
+}
+
 TcpListener::TcpListener(const TcpAddress& address) : m_address(address), m_socket(listen_tcp(address))
 {
-    m_address.port = bound_port(m_socket, "cannot listen on " + to_text(address));
+    m_address.port = address_of(m_socket.get())->port;
 }
 
 UnixListener::UnixListener(std::string path, const UnixSocketAccess& access)
@@ -195,8 +254,10 @@ UnixListener::UnixListener(std::string path, const UnixSocketAccess& access)
 {
     const std::string what = "cannot listen on " + m_path;
     const SocketAddress where = socket_address(m_path);
+    m_lock = lock_path(m_path, what);
     remove_stale_socket(m_path, where);
     check(bind(m_socket.get(), where.get(), where.length), what);
+    m_identity = identity_of(m_path);
     try {
         // Connections are refused until listen(), so nobody gets in before this.
         restrict_access(m_path, access, what);
@@ -209,7 +270,8 @@ UnixListener::UnixListener(std::string path, const UnixSocketAccess& access)
 
 UnixListener::~UnixListener()
 {
-    unlink(m_path.c_str());
+    if (m_identity && identity_of(m_path) == m_identity)
+        unlink(m_path.c_str());
 }
 
 } // namespace zorbd

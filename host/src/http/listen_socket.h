@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "system/file_descriptor.h"
 
@@ -26,6 +27,11 @@ TcpAddress parse_tcp_address(const std::string& text);
 std::string to_text(const TcpAddress& address);
 
 bool is_loopback(const TcpAddress& address);
+
+/// What a listening socket is bound to; nothing for a Unix socket. Throws std::system_error.
+std::optional<TcpAddress> address_of(int socket);
+/// The path of a Unix socket.
+std::string path_of(int socket);
 
 /// A socket that listens on TCP.
 class TcpListener
@@ -50,14 +56,15 @@ struct UnixSocketAccess
     std::optional<gid_t> group;
 };
 
-/// A socket that listens on a path; the destructor removes the path.
+/// A socket that listens on a path. A lock file beside it, PATH.lock, which stays, tells whose it is.
 class UnixListener
 {
 public:
     /// A socket that a dead process left at the path is replaced; anything else there is an error, also a
     /// socket that is still listened on. Nobody can connect before mode and group are set. Throws
-    /// std::system_error that names the path.
+    /// std::system_error, or std::runtime_error, that names the path.
     UnixListener(std::string path, const UnixSocketAccess& access);
+    /// Removes the path, if it still is this socket's.
     ~UnixListener();
     UnixListener(const UnixListener&) = delete;
     UnixListener& operator=(const UnixListener&) = delete;
@@ -67,7 +74,9 @@ public:
 
 private:
     std::string m_path;
+    FileDescriptor m_lock;
     FileDescriptor m_socket;
+    std::optional<std::pair<dev_t, ino_t>> m_identity; ///< of the file at the path
 };
 
 } // namespace zorbd

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <mutex>
 #include <utility>
 
 namespace zorbd {
@@ -63,6 +64,7 @@ RequestGate::RequestGate(const RouteTable& routes, AccessRules rules)
 
 std::variant<Admission, Refusal> RequestGate::check(const RequestHead& head) const
 {
+    const std::shared_lock<std::shared_mutex> lock(m_mutex);
     if (auto refusal = check_name(head))
         return std::move(*refusal);
     const Route* route = m_routes.find(head.method, head.path);
@@ -81,6 +83,12 @@ std::variant<Admission, Refusal> RequestGate::check(const RequestHead& head) con
                            : check_page(*route, admission.token.get()))
         return std::move(*refusal);
     return admission;
+}
+
+void RequestGate::set_server_names(const std::vector<std::string>& names)
+{
+    const std::lock_guard<std::shared_mutex> lock(m_mutex);
+    m_rules.server_names = names;
 }
 
 Refusal RequestGate::not_here(const RequestHead& head) const

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <shared_mutex>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -49,6 +50,9 @@ public:
     std::variant<Admission, Refusal> check(const RequestHead& head) const;
     std::size_t max_body() const { return m_rules.max_body; }
 
+    /// Replaces the names under which the server is reached. Any thread.
+    void set_server_names(const std::vector<std::string>& names);
+
 private:
     Refusal not_here(const RequestHead& head) const;
     std::optional<Refusal> check_name(const RequestHead& head) const;
@@ -61,7 +65,8 @@ private:
     bool is_own_page(std::string_view origin, std::string_view authority) const;
 
     const RouteTable& m_routes;
-    const AccessRules m_rules;
+    AccessRules m_rules;
+    mutable std::shared_mutex m_mutex; ///< guards the names
 };
 
 } // namespace zorbd

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "http/worker_pool.h"
 
+#include <exception>
+
 namespace zorbd {
 
-WorkerPool::WorkerPool(std::size_t threads, std::size_t max_outstanding) : m_max_outstanding(max_outstanding)
+WorkerPool::WorkerPool(std::size_t threads, std::size_t max_threads, std::size_t max_outstanding)
+    : m_max_threads(max_threads), m_max_outstanding(max_outstanding)
 {
     try {
-        start(threads);
+        for (std::size_t i = 0; i < threads; ++i)
+            start_one();
     } catch (...) {
         stop();
         throw;
@@ -18,11 +22,19 @@ WorkerPool::~WorkerPool()
     stop();
 }
 
-void WorkerPool::start(std::size_t threads)
+void WorkerPool::start_one()
 {
-    m_threads.reserve(threads);
-    while (m_threads.size() < threads)
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_threads.emplace_back([this] { serve(); });
+}
+
+/// Where none can be had, the work waits for one of those there are. The caller holds m_mutex.
+void WorkerPool::start_another()
+{
+    try {
         m_threads.emplace_back([this] { serve(); });
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): see above
+    }
 }
 
 void WorkerPool::stop()
@@ -59,6 +71,8 @@ void WorkerPool::submit_reserved(Work& work)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_waiting.push_back(&work);
+        if (m_waiting.size() > m_at_rest && m_threads.size() < m_max_threads && !m_stopping)
+            start_another();
     }
     m_changed.notify_one();
 }
@@ -72,7 +86,8 @@ bool WorkerPool::wait_idle(std::chrono::steady_clock::time_point deadline)
 void WorkerPool::serve()
 {
     while (Work* work = take()) {
-        work->run();
+        if (!work->run(true))
+            continue;
         release();
         work->deliver();
     }
@@ -82,7 +97,9 @@ void WorkerPool::serve()
 Work* WorkerPool::take()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
+    ++m_at_rest;
     m_changed.wait(lock, [this] { return m_stopping || !m_waiting.empty(); });
+    --m_at_rest;
     if (m_waiting.empty())
         return nullptr;
     Work* work = m_waiting.front();

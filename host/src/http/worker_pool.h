@@ -19,19 +19,21 @@ class Work
 public:
     virtual ~Work() = default;
 
-    /// The work itself.
-    virtual void run() = 0;
+    /// The work itself. False when it is not done, but has seen to it that it is submitted again: the object
+    /// must not be touched then. That is for workers only, which `may_wait` tells.
+    virtual bool run(bool may_wait) = 0;
     /// Tells whoever waits that it is done. By then the work counts as outstanding no more, so that a caller
     /// who answers at once with more work finds room. The pool does not touch the object afterwards.
     virtual void deliver() = 0;
 };
 
-/// A fixed number of threads that do work in the order in which it comes, with a bound on what waits or runs.
+/// Threads that do work in the order in which it comes, with a bound on what waits or runs. When all are at
+/// work and more comes, there come more threads, up to a bound of their own.
 class WorkerPool
 {
 public:
-    /// Starts the threads. Throws std::system_error when one cannot be started.
-    WorkerPool(std::size_t threads, std::size_t max_outstanding);
+    /// Starts the first threads. Throws std::system_error when one cannot be started.
+    WorkerPool(std::size_t threads, std::size_t max_threads, std::size_t max_outstanding);
     /// Does what is outstanding, then ends the threads.
     ~WorkerPool();
     WorkerPool(const WorkerPool&) = delete;
@@ -55,19 +57,22 @@ public:
     bool wait_idle(std::chrono::steady_clock::time_point deadline);
 
 private:
-    void start(std::size_t threads);
+    void start_one();
+    void start_another();
     void stop();
     void serve();
     Work* take();
 
+    const std::size_t m_max_threads;
     const std::size_t m_max_outstanding;
     std::atomic<std::size_t> m_outstanding{0}; ///< waiting and running, also elsewhere
     std::mutex m_mutex;
     std::condition_variable m_changed; ///< work came, or m_stopping
     std::condition_variable m_idle;
-    std::deque<Work*> m_waiting; ///< guarded by m_mutex
-    bool m_stopping = false;     ///< guarded by m_mutex
-    std::vector<std::thread> m_threads;
+    std::deque<Work*> m_waiting;        ///< guarded by m_mutex
+    bool m_stopping = false;            ///< guarded by m_mutex
+    std::size_t m_at_rest = 0;          ///< threads; guarded by m_mutex
+    std::vector<std::thread> m_threads; ///< guarded by m_mutex, until m_stopping
 };
 
 } // namespace zorbd

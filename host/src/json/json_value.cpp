@@ -45,6 +45,13 @@ void put_member(json_object* object, const char* key, JsonValue value)
     static_cast<void>(value.release()); // now the object's
 }
 
+void append_element(json_object* array, JsonValue value)
+{
+    if (json_object_array_add(array, value.get()) != 0)
+        throw std::bad_alloc();
+    static_cast<void>(value.release()); // now the array's
+}
+
 json_object* member(json_object* object, const char* key)
 {
     json_object* found = nullptr;

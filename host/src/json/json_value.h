@@ -30,6 +30,9 @@ std::string_view string_of(json_object* string);
 /// Puts `value` into `object` as its member `key`. Throws std::bad_alloc.
 void put_member(json_object* object, const char* key, JsonValue value);
 
+/// Puts `value` at the end of a JSON array. Throws std::bad_alloc.
+void append_element(json_object* array, JsonValue value);
+
 /// The member `key` of a JSON object, still owned by it; null when it is missing, or is JSON null.
 json_object* member(json_object* object, const char* key);
 

@@ -3,7 +3,7 @@
 
 #include "plugins/param_check.h"
 #include "plugins/running_plugin.h"
-#include "json/json_parser.h"
+#include "json/json_reader.h"
 
 namespace zorbd {
 namespace {
@@ -35,6 +35,62 @@ int code_of(const CallOutcome& outcome)
 {
     const auto* error = std::get_if<RpcError>(&outcome);
     return error == nullptr ? 0 : static_cast<int>(error->code);
+}
+
+/// The responses of a batch.
+class BatchResponses
+{
+public:
+    void add(const std::optional<std::string>& response)
+    {
+        if (response)
+            m_text += (m_text.empty() ? '[' : ',') + *response;
+    }
+
+    /// Nothing when there was none.
+    std::optional<std::string> take()
+    {
+        if (m_text.empty())
+            return std::nullopt;
+        return std::move(m_text) + ']';
+    }
+
+private:
+    std::string m_text;
+};
+
+/// The response to a request that is not waited for any more; nothing to a notification.
+std::optional<std::string> late_response(json_object* value, const std::string& why)
+{
+    const auto read = read_request(value);
+    if (const auto* invalid = std::get_if<InvalidRequest>(&read))
+        return error_response({RpcErrorCode::invalid_request, invalid->cause}, invalid->id);
+    const auto& request = std::get<RpcRequest>(read);
+    if (!request.id)
+        return std::nullopt;
+    return error_response({RpcErrorCode::remote_timeout, request.method + ": " + why}, *request.id);
+}
+
+/// Tells the observer of the return from a method.
+class RunningCall
+{
+public:
+    explicit RunningCall(CallObserver* observer) : m_observer(observer) {}
+    ~RunningCall()
+    {
+        if (m_observer != nullptr)
+            m_observer->call_returned();
+    }
+    RunningCall(const RunningCall&) = delete;
+    RunningCall& operator=(const RunningCall&) = delete;
+
+private:
+    CallObserver* const m_observer;
+};
+
+RpcError too_many_calls(const std::string& method)
+{
+    return {RpcErrorCode::busy, method + ": as many calls of its plug-in as may run, or wait, do so already"};
 }
 
 } // namespace
@@ -71,13 +127,29 @@ std::optional<std::string> Dispatcher::answer_batch(json_object* batch, CallObse
                             {RpcErrorCode::invalid_request, "a batch of " + std::to_string(length) +
                                                                 " requests is longer than the limit of " +
                                                                 std::to_string(m_limits.max_batch)});
-    std::string responses;
+    BatchResponses responses;
+    for (std::size_t i = 0; i < length; ++i) {
+        const auto one = answer_single(json_object_array_get_idx(batch, i), observer);
+        if (observer != nullptr)
+            observer->answered(one);
+        responses.add(one);
+    }
+    return responses.take();
+}
+
+std::optional<std::string> Dispatcher::answer_late(const std::string& body,
+                                                   const std::vector<std::optional<std::string>>& answered,
+                                                   const std::string& why) const
+{
+    const JsonValue value = parse_json(body, m_limits.max_depth); // it is JSON: it has been read before
+    if (!json_object_is_type(value.get(), json_type_array))
+        return late_response(value.get(), why);
+    BatchResponses responses;
+    const std::size_t length = json_object_array_length(value.get());
     for (std::size_t i = 0; i < length; ++i)
-        if (const auto one = answer_single(json_object_array_get_idx(batch, i), observer))
-            responses += (responses.empty() ? '[' : ',') + *one;
-    if (responses.empty())
-        return std::nullopt;
-    return responses + ']';
+        responses.add(i < answered.size() ? answered[i]
+                                          : late_response(json_object_array_get_idx(value.get(), i), why));
+    return responses.take();
 }
 
 std::optional<std::string> Dispatcher::answer_single(json_object* value, CallObserver* observer) const
@@ -88,7 +160,7 @@ std::optional<std::string> Dispatcher::answer_single(json_object* value, CallObs
     const auto& request = std::get<RpcRequest>(read);
     const auto begin = std::chrono::steady_clock::now();
     bool is_known = true;
-    const CallOutcome outcome = run(request, value, observer, is_known);
+    const CallOutcome outcome = run(request, value, is_known, observer);
     if (observer != nullptr)
         observer->call_ended({is_known ? request.method : std::string_view(),
                               request.id ? *request.id : std::string_view(),
@@ -98,8 +170,8 @@ std::optional<std::string> Dispatcher::answer_single(json_object* value, CallObs
     return response(outcome, *request.id);
 }
 
-CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, const CallObserver* observer,
-                            bool& is_known) const
+CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, bool& is_known,
+                            CallObserver* observer) const
 {
     if (observer != nullptr)
         if (std::string refusal = observer->refusal_of(request.method); !refusal.empty()) {
@@ -115,6 +187,12 @@ CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, const
     if (found.params != nullptr)
         if (const auto fault = found.params->apply(value))
             return RpcError{RpcErrorCode::invalid_params, request.method + ": " + *fault};
+    const auto start = observer == nullptr ? CallObserver::Start::runs : observer->call_starts(*found.plugin);
+    if (start == CallObserver::Start::waits)
+        throw CallWaits();
+    if (start == CallObserver::Start::refused)
+        return too_many_calls(request.method);
+    const RunningCall call(observer);
     const RunningPlugin running(*found.plugin);
     return call_method(*found.method, request.method, value);
 }

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "jsonrpc/call_observer.h"
 #include "jsonrpc/method_call.h"
@@ -28,15 +29,22 @@ public:
 
     /// Runs the request, or the requests of the batch in their order, on the calling thread. Nothing when
     /// there is nothing to answer (notifications only). `observer`, if there is one, is told of each request
-    /// as it ends. Any number of threads may call it. Throws std::bad_alloc only.
+    /// as it ends. Any number of threads may call it. Throws std::bad_alloc, and CallWaits where the observer
+    /// wants it.
     std::optional<std::string> answer(const std::string& body, CallObserver* observer = nullptr) const;
+
+    /// The answer to a body of which only some requests have been answered, because one takes too long: for
+    /// the others an error that names the method and says `why`.
+    std::optional<std::string> answer_late(const std::string& body,
+                                           const std::vector<std::optional<std::string>>& answered,
+                                           const std::string& why) const;
 
 private:
     std::optional<std::string> answer_value(json_object* value, CallObserver* observer) const;
     std::optional<std::string> answer_batch(json_object* batch, CallObserver* observer) const;
     std::optional<std::string> answer_single(json_object* value, CallObserver* observer) const;
-    CallOutcome run(const RpcRequest& request, json_object* value, const CallObserver* observer,
-                    bool& is_known) const;
+    CallOutcome run(const RpcRequest& request, json_object* value, bool& is_known,
+                    CallObserver* observer) const;
 
     const MethodDirectory& m_methods;
     DispatchLimits m_limits;

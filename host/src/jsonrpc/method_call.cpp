@@ -7,6 +7,8 @@
 #include <stdexcept>
 
 #include "zeb/api/CallbackMethod.h"
+#include "json/json_reader.h"
+#include "json/utf8.h"
 
 namespace zorbd {
 namespace {
@@ -29,16 +31,29 @@ std::string run(zeb::api::CallbackMethod& method, json_object* request)
     const KX_JSON in(request);
     KX_JSON out = empty_object();
     const int returned = method.Call(in, out);
-    return out.has_key("result") ? json_text(member(out.get(), "result")) : std::to_string(returned);
+    if (!out.has_key("result"))
+        return std::to_string(returned);
+    std::string result = json_text(member(out.get(), "result"));
+    if (!is_json(result)) // json-c writes NaN, and bytes as they are
+        throw std::runtime_error(
+            "its result is not JSON: it has a number that is not finite, or a text that is "
+            "not UTF-8");
+    return result;
+}
+
+/// What goes out must be JSON, whatever was thrown.
+RpcError error_of(RpcErrorCode code, const std::string& method, const char* cause)
+{
+    if (find_invalid_utf8(cause))
+        return {RpcErrorCode::internal_error, method + ": it threw an error whose text is not UTF-8"};
+    return {code, method + ": " + cause};
 }
 
 } // namespace
 
 CallOutcome call_method(zeb::api::CallbackMethod& method, const std::string& name, json_object* request)
 {
-    const auto failed = [&name](RpcErrorCode code, const char* cause) {
-        return RpcError{code, name + ": " + cause};
-    };
+    const auto failed = [&name](RpcErrorCode code, const char* cause) { return error_of(code, name, cause); };
     try {
         return run(method, request);
     } catch (const std::invalid_argument& error) {

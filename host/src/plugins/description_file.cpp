@@ -12,7 +12,7 @@
 #include <system_error>
 
 #include "system/message_log.h"
-#include "json/json_parser.h"
+#include "json/json_reader.h"
 
 namespace zorbd {
 namespace {

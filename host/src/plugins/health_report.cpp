@@ -4,16 +4,26 @@
 #include <algorithm>
 #include <vector>
 
+#include "plugins/plugin_load.h"
 #include "plugins/plugin_set.h"
 #include "json/json_quote.h"
 
 namespace zorbd {
 namespace {
 
-std::string to_json(const PluginStatus& plugin)
+/// A plug-in and how many of its calls take too long.
+struct LoadedPlugin
 {
+    PluginStatus status;
+    std::size_t stuck;
+};
+
+std::string to_json(const LoadedPlugin& loaded)
+{
+    const PluginStatus& plugin = loaded.status;
     return R"({"file":)" + quoted_json(plugin.file) + R"(,"bound":)" + (plugin.bound ? "true" : "false") +
-           R"(,"methods":)" + std::to_string(plugin.methods) + '}';
+           R"(,"methods":)" + std::to_string(plugin.methods) + R"(,"stuck":)" + std::to_string(loaded.stuck) +
+           '}';
 }
 
 std::string to_json(const StreamHealth& stream)
@@ -36,15 +46,21 @@ std::string to_json(const std::vector<Item>& items)
 
 } // namespace
 
-HealthReport report_health(const PluginSet& plugins, const std::vector<StreamHealth>& streams)
+HealthReport report_health(const PluginSet& plugins, const PluginLoads& loads,
+                           const std::vector<StreamHealth>& streams)
 {
-    const std::vector<PluginStatus> all = plugins.status();
-    HealthReport report;
-    report.healthy =
-        std::all_of(all.begin(), all.end(), [](const PluginStatus& plugin) { return plugin.bound; });
-    report.json = std::string(R"({"status":")") + (report.healthy ? "ok" : "waiting") + R"(","plugins":)" +
-                  to_json(all) + R"(,"streams":)" + to_json(streams) + '}';
-    return report;
+    std::vector<LoadedPlugin> all;
+    for (PluginStatus& status : plugins.status()) {
+        const std::size_t stuck = loads.of(status.file).stuck();
+        all.push_back({std::move(status), stuck});
+    }
+    const bool are_bound =
+        std::all_of(all.begin(), all.end(), [](const LoadedPlugin& plugin) { return plugin.status.bound; });
+    const bool is_stuck =
+        std::any_of(all.begin(), all.end(), [](const LoadedPlugin& plugin) { return plugin.stuck != 0; });
+    const char* status = is_stuck ? "stuck" : are_bound ? "ok" : "waiting";
+    return {are_bound && !is_stuck, std::string(R"({"status":")") + status + R"(","plugins":)" +
+                                        to_json(all) + R"(,"streams":)" + to_json(streams) + '}'};
 }
 
 } // namespace zorbd

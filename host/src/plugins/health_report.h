@@ -8,6 +8,7 @@
 
 namespace zorbd {
 
+class PluginLoads;
 class PluginSet;
 
 /// How one of the process's output streams fares.
@@ -18,14 +19,16 @@ struct StreamHealth
     std::uint64_t dropped = 0; ///< lines
 };
 
-/// Whether every plug-in is bound, and which are; what is wrong with an output stream makes nobody unhealthy.
+/// Whether every plug-in is bound and none has calls that take too long, and which are; what is wrong with an
+/// output stream makes nobody unhealthy.
 struct HealthReport
 {
     bool healthy = false;
     std::string json;
 };
 
-HealthReport report_health(const PluginSet& plugins, const std::vector<StreamHealth>& streams);
+HealthReport report_health(const PluginSet& plugins, const PluginLoads& loads,
+                           const std::vector<StreamHealth>& streams);
 
 } // namespace zorbd
 

@@ -4,12 +4,14 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
 #include "http/console_routes.h"
 #include "http/event_stream.h"
 #include "plugins/health_report.h"
+#include "process/service_manager.h"
 #include "system/message_log.h"
 
 namespace zorbd {
@@ -23,8 +25,22 @@ unsigned servers_per_listener()
     return std::clamp(std::thread::hardware_concurrency(), 1U, most);
 }
 
+/// How long a plug-in that looks for its service may take to end that.
+constexpr std::chrono::milliseconds end_of_lookup{500};
 /// How long a listener may take to see the end of its stream.
 constexpr std::chrono::milliseconds end_of_streams{500};
+
+/// Each plug-in can have its threads taken, and then there is one for whoever asks for none of them.
+std::size_t max_threads(const Options& options)
+{
+    return options.threads * options.plugins.size() + 1;
+}
+
+/// One plug-in alone must not make the others' callers hear that the server is busy.
+std::size_t waiting_calls(const Options& options)
+{
+    return options.plugins.size() > 1 ? options.max_outstanding / 2 : options.max_outstanding;
+}
 
 } // namespace
 
@@ -33,7 +49,9 @@ Daemon::Daemon(const Options& options)
       m_access_log(options.access_log, m_streams.output()), m_calls(m_metrics, m_feed, m_access_log.lines()),
       m_plugins(options.plugins, options.binding_pauses, options.check_params),
       m_dispatcher(m_plugins, options.dispatch), m_connections(options.connections),
-      m_workers(options.threads, options.max_outstanding)
+      m_loads(options.plugins, options.threads, waiting_calls(options)),
+      m_workers(options.threads, max_threads(options), options.max_outstanding),
+      m_call_timeout(options.connections.call)
 {
     if (options.tcp)
         m_tcp.emplace(*options.tcp);
@@ -43,6 +61,7 @@ Daemon::Daemon(const Options& options)
         m_tokens = std::make_shared<TokenStore>(*options.token_file);
     if (options.tls)
         m_tls.emplace(*options.tls);
+    m_inherited = take_inherited_sockets();
     m_plugins.set_servers(addresses());
     m_plugins.start();
     add_routes(options.console);
@@ -52,6 +71,8 @@ Daemon::Daemon(const Options& options)
                      m_tls ? &*m_tls : nullptr);
     if (m_unix) // its file mode says who may use it, so it asks for no token
         add_listener(m_unix->fd(), {nullptr, std::nullopt, {}, options.max_body}, nullptr);
+    for (const FileDescriptor& socket : m_inherited)
+        add_inherited(socket.get(), options);
     m_acceptor.emplace(m_listeners, m_connections, m_metrics);
 }
 
@@ -59,7 +80,7 @@ void Daemon::add_routes(bool console)
 {
     m_routes.add({"POST", "/", TakesCalls()});
     m_routes.add({"GET", "/healthz", [this](const RequestHead&) {
-                      HealthReport report = report_health(m_plugins, m_streams.health());
+                      HealthReport report = report_health(m_plugins, m_loads, m_streams.health());
                       return HttpResponse{report.healthy ? 200U : 503U, std::move(report.json)};
                   }});
     m_routes.add({"GET", "/metrics", [this](const RequestHead&) {
@@ -68,6 +89,18 @@ void Daemon::add_routes(bool console)
     m_routes.add({"GET", "/events", event_stream(m_feed)});
     if (console)
         add_console_routes(m_routes);
+}
+
+/// The rules for what is named with --listen and --unix-socket hold for what the service manager listens on.
+void Daemon::add_inherited(int socket, const Options& options)
+{
+    const auto address = address_of(socket);
+    if (!address)
+        return add_listener(socket, {nullptr, std::nullopt, {}, options.max_body}, nullptr);
+    if (!is_loopback(*address))
+        check_reachable(options, to_text(*address));
+    add_listener(socket, {m_tokens, address, options.server_names, options.max_body, scheme()},
+                 m_tls ? &*m_tls : nullptr);
 }
 
 void Daemon::add_listener(int socket, AccessRules rules, const TlsContext* tls)
@@ -82,7 +115,8 @@ void Daemon::add_listener(int socket, AccessRules rules, const TlsContext* tls)
     Listener listener{socket, needs_token, tls == nullptr, make_transport, {}};
     for (unsigned i = 0; i < servers_per_listener(); ++i) {
         m_servers.push_back(std::make_unique<HttpServer>(
-            *m_gates.back(), HttpServices{m_dispatcher, m_workers, m_metrics, m_calls}));
+            *m_gates.back(),
+            HttpServices{{m_dispatcher, m_workers, m_loads, m_calls}, m_metrics, m_call_timeout}));
         listener.servers.push_back(m_servers.back().get());
     }
     m_listeners.push_back(std::move(listener));
@@ -102,6 +136,9 @@ std::string Daemon::metrics_page()
     text.begin("zorbd_plugin_bound", "gauge", "Whether a plug-in is bound (1) or waits for its service (0).");
     for (const PluginStatus& plugin : m_plugins.status())
         text.add(plugin.bound ? 1 : 0, metrics_label("plugin", plugin.file));
+    text.begin("zorbd_plugin_stuck_calls", "gauge", "Calls that run for longer than --call-timeout.");
+    for (const PluginStatus& plugin : m_plugins.status())
+        text.add(static_cast<double>(m_loads.of(plugin.file).stuck()), metrics_label("plugin", plugin.file));
     return text.text();
 }
 
@@ -117,6 +154,10 @@ std::vector<std::string> Daemon::addresses() const
         all.push_back(scheme() + "://" + to_text(m_tcp->address()) + '/');
     if (m_unix)
         all.push_back("unix:" + m_unix->path());
+    for (const FileDescriptor& socket : m_inherited) {
+        const auto address = address_of(socket.get());
+        all.push_back(address ? scheme() + "://" + to_text(*address) + '/' : "unix:" + path_of(socket.get()));
+    }
     return all;
 }
 
@@ -128,7 +169,7 @@ std::string Daemon::where() const
     return text;
 }
 
-void Daemon::reload()
+void Daemon::reload(const Options& options)
 {
     const auto attempt = [](auto& part, const std::string& what) {
         try {
@@ -142,6 +183,8 @@ void Daemon::reload()
         attempt(*m_tls, "TLS certificate and key have");
     if (m_tokens != nullptr)
         attempt(*m_tokens, "tokens have");
+    for (const auto& gate : m_gates)
+        gate->set_server_names(options.server_names);
 }
 
 void Daemon::refuse_calls()
@@ -154,16 +197,17 @@ void Daemon::refuse_calls()
     m_plugins.stop_binding();
 }
 
-bool Daemon::finish(std::chrono::steady_clock::time_point deadline)
+Daemon::Finish Daemon::finish(std::chrono::steady_clock::time_point deadline)
 {
     // A call outlives its connection when the client leaves.
-    if (!m_connections.wait_none(ConnectionPhase::working, deadline) || !m_workers.wait_idle(deadline) ||
-        !m_plugins.wait_binding_over(deadline))
-        return false;
+    if (!m_connections.wait_none(ConnectionPhase::working, deadline) || !m_workers.wait_idle(deadline))
+        return Finish::call_runs;
+    if (!m_plugins.wait_binding_over(std::min(deadline, std::chrono::steady_clock::now() + end_of_lookup)))
+        return Finish::factory_runs;
     m_connections.wait_none(ConnectionPhase::sending, deadline); // a client that does not read is simply cut
     m_connections.wait_none(ConnectionPhase::listening,
                             std::min(deadline, std::chrono::steady_clock::now() + end_of_streams));
-    return true;
+    return Finish::done;
 }
 
 } // namespace zorbd

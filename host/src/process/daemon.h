@@ -17,6 +17,7 @@
 #include "http/tls_context.h"
 #include "http/worker_pool.h"
 #include "jsonrpc/dispatcher.h"
+#include "plugins/plugin_load.h"
 #include "plugins/plugin_set.h"
 #include "process/access_log.h"
 #include "process/options.h"
@@ -35,18 +36,23 @@ public:
     /// Where it serves, for people.
     std::string where() const;
 
-    /// Whether there is something that reload() reads: TLS certificates or tokens.
-    bool can_reload() const { return m_tls || m_tokens != nullptr; }
-    /// Reads it again, and says so, or what is wrong with it; what cannot be read stays as it was.
-    void reload();
-
     /// Takes no further connections and calls, and makes no further attempt to bind. Does not wait.
     void refuse_calls();
 
-    /// After refuse_calls(): waits for the calls that run and for their responses to be sent. False when a
-    /// call, or a plug-in's factory, was still running at the deadline: the object must not be destroyed
-    /// then.
-    bool finish(std::chrono::steady_clock::time_point deadline);
+    /// How far finish() has come.
+    enum class Finish { done, call_runs, factory_runs };
+
+    /// After refuse_calls(): waits for the calls that run and for their responses to be sent, until the
+    /// deadline, and for a short time for a plug-in's factory. Unless all is done the object must not be
+    /// destroyed.
+    Finish finish(std::chrono::steady_clock::time_point deadline);
+
+    /// Reads again what can be read again without a restart: TLS certificates and tokens, from the files that
+    /// were named at the start, and the names of the server. Says so, or what is wrong: that stays as it was.
+    void reload(const Options& options);
+
+    /// Whether calls can get on: no plug-in has all of its threads in calls that take too long.
+    bool makes_progress() const { return !m_loads.is_any_blocked(); }
 
     /// Waits until what was written to the standard streams has left the process, as long as it is read.
     void flush_streams() const { m_streams.flush(); }
@@ -57,6 +63,7 @@ private:
     void add_routes(bool console);
     void add_listener(int socket, AccessRules rules, const TlsContext* tls);
     std::string scheme() const;
+    void add_inherited(int socket, const Options& options);
 
     EventFeed m_feed;
     StandardStreams m_streams;
@@ -66,9 +73,12 @@ private:
     PluginSet m_plugins;
     std::optional<TcpListener> m_tcp;
     std::optional<UnixListener> m_unix;
+    std::vector<FileDescriptor> m_inherited; ///< listening sockets of the service manager
     Dispatcher m_dispatcher;
     ConnectionRegistry m_connections;
+    PluginLoads m_loads;
     WorkerPool m_workers;
+    const std::chrono::milliseconds m_call_timeout;
     RouteTable m_routes;
     std::shared_ptr<TokenStore> m_tokens;
     std::optional<TlsContext> m_tls;

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -15,9 +16,9 @@
 #include "process/exit_code.h"
 #include "process/open_files.h"
 #include "process/options.h"
+#include "process/process_signals.h"
 #include "process/service_manager.h"
 #include "process/standard_streams.h"
-#include "process/stop_signals.h"
 #include "process/token_command.h"
 #include "system/message_log.h"
 #include "system/version.h"
@@ -31,19 +32,30 @@ using namespace zorbd;
 /// plug-ins.
 constexpr std::size_t other_files = 192;
 
+constexpr int large_block = 128 * 1024;
+
 /// What one thread allocates here another one frees. With glibc's default, an arena for each thread, such
 /// memory is spread over all of them and creeps up for a million calls; with two it stays where it was.
+/// Blocks of large_block and more are mapped one by one, and given back as they are freed; with glibc's
+/// default, which grows with what is freed, an answer of some megabytes would stay with the process.
 void keep_memory_together()
 {
     ::mallopt(M_ARENA_MAX, 2);
+    ::mallopt(M_MMAP_THRESHOLD, large_block);
 }
+
+struct CommandLine
+{
+    int count;
+    const char* const* arguments;
+};
 
 /// Prepares what holds for the whole process.
 void prepare(const Options& options)
 {
     keep_memory_together();
     std::signal(SIGPIPE, SIG_IGN);
-    allow_open_files(options.connections.total + other_files);
+    allow_open_files(options.connections.total + options.connections.unix_total + other_files);
     zeb::api::mdw::setServiceDiscoveryTimeout(options.discovery_timeout);
 }
 
@@ -59,38 +71,82 @@ void announce_stop(int signal)
     notify_service_manager("STOPPING=1");
 }
 
-/// A call that will not end still uses its plug-in, so nothing can be taken down in order any more.
-[[noreturn]] void stop_out_of_order(const Daemon& daemon)
+/// Code of a plug-in that will not end still uses it, so nothing can be taken down in order any more.
+[[noreturn]] void stop_out_of_order(const Daemon& daemon, const char* message, int code)
 {
-    log_message("a call or a plug-in's factory did not end in time; it is cut off (--stop-timeout)");
+    log_message(message);
     daemon.flush_streams();
-    _exit(exit_not_in_order);
+    _exit(code);
 }
 
-/// Reads files again when SIGHUP asks for it; without such files it stops as the others do.
-int await_stop(const StopSignals& signals, Daemon& daemon)
+/// Ends the process as far as it can be ended in order.
+int stop(Daemon& daemon, std::chrono::milliseconds timeout)
 {
-    int signal = signals.wait();
-    while (signal == SIGHUP && daemon.can_reload()) {
-        daemon.reload();
-        signal = signals.wait();
+    switch (daemon.finish(std::chrono::steady_clock::now() + timeout)) {
+    case Daemon::Finish::done:
+        return exit_stopped;
+    case Daemon::Finish::factory_runs: // nobody waits for what it may find
+        stop_out_of_order(daemon, "a plug-in still looks for its service; that is cut off", exit_stopped);
+    case Daemon::Finish::call_runs:
+        break;
     }
-    signals.let_through();
-    return signal;
+    stop_out_of_order(daemon, "a call did not end in time; it is cut off (--stop-timeout)",
+                      exit_not_in_order);
 }
 
-int serve_until_stopped(const Options& options)
+/// Says which settings have another value than at the start and keep it until the next one.
+void log_settings_that_wait(const Options& before, const Options& now)
 {
-    StopSignals signals;
+    for (const auto& [name, value] : now.settings) {
+        const auto found = before.settings.find(name);
+        if (name != "--server-name" && found != before.settings.end() && found->second != value)
+            log_message("the new value of " + name + " needs a restart");
+    }
+}
+
+/// What is wrong with the new settings leaves the old ones as they are.
+void reload(Daemon& daemon, const Options& before, const CommandLine& command_line)
+{
+    notify_reload();
+    try {
+        const auto read = read_options(command_line.count, command_line.arguments, std::cout);
+        if (const auto* options = std::get_if<Options>(&read)) {
+            daemon.reload(*options);
+            log_message("the configuration has been read again");
+            log_settings_that_wait(before, *options);
+        }
+    } catch (const std::exception& error) {
+        log_message(std::string("all stays as it was: ") + error.what());
+    }
+    notify_service_manager("READY=1");
+}
+
+/// Serves until a signal to stop comes, which it returns. The watchdog is fed as long as calls can get on.
+int serve(Daemon& daemon, ProcessSignals& signals, const Options& options, const CommandLine& command_line)
+{
+    const auto interval = watchdog_interval();
+    for (;;) {
+        const auto signal = signals.wait(interval);
+        if (signal && *signal != SIGHUP)
+            return *signal;
+        if (signal)
+            reload(daemon, options, command_line);
+        else if (daemon.makes_progress())
+            notify_service_manager("WATCHDOG=1");
+    }
+}
+
+int run(const Options& options, const CommandLine& command_line)
+{
+    ProcessSignals signals;
     prepare(options);
     Daemon daemon(options);
     announce_ready(daemon);
-    const int signal = await_stop(signals, daemon);
+    const int signal = serve(daemon, signals, options, command_line);
+    signals.let_end_process();
     daemon.refuse_calls();
     announce_stop(signal);
-    if (!daemon.finish(std::chrono::steady_clock::now() + options.stop_timeout))
-        stop_out_of_order(daemon);
-    return exit_stopped;
+    return stop(daemon, options.stop_timeout);
 }
 
 } // namespace
@@ -104,7 +160,10 @@ int main(int argc, char** argv)
         const auto read = zorbd::read_options(argc, argv, std::cout);
         if (const int* code = std::get_if<int>(&read))
             return *code;
-        return serve_until_stopped(std::get<zorbd::Options>(read));
+        return run(std::get<zorbd::Options>(read), {argc, argv});
+    } catch (const std::bad_alloc&) {
+        zorbd::log_message("there is not enough memory (ulimit -v, MemoryMax=)");
+        return zorbd::exit_start_failed;
     } catch (const std::exception& error) {
         zorbd::log_message(error.what());
         return zorbd::exit_start_failed;

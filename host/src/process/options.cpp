@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "process/exit_code.h"
+#include "process/service_manager.h"
 #include "system/duration_text.h"
 #include "system/message_log.h"
 #include "system/version.h"
@@ -27,7 +28,8 @@ constexpr const char* purpose = "Loads plug-ins and serves their methods as JSON
 
 constexpr const char* footer = "Exit codes: 0 stopped in order (SIGTERM, SIGINT), 1 could not start, "
                                "2 wrong option or configuration,\n"
-                               "3 stopped while a call or a plug-in's factory was still running. A second "
+                               "3 stopped while a call was still running. SIGHUP reads certificates, tokens "
+                               "and the configuration again. A second "
                                "signal ends the process at once.";
 
 /// Turns what a reader of texts throws into a mistake of that option.
@@ -59,14 +61,19 @@ gid_t parse_group(const std::string& name)
     throw std::invalid_argument("there is no group '" + name + "'");
 }
 
+/// CLI11's own check lets nan pass, which is neither below nor above.
 template <class Number>
-CLI::Range between(Number low, Number high)
+CLI::Validator between(Number low, Number high)
 {
     std::ostringstream range;
     range << low << ".." << high;
-    CLI::Range check(low, high);
-    check.description(range.str());
-    return check;
+    const auto check = [low, high, text = range.str()](const std::string& input) {
+        Number value{};
+        const bool is_number = CLI::detail::lexical_cast(input, value);
+        const bool is_within = is_number && value >= low && value <= high;
+        return is_within ? std::string() : "'" + input + "' is no number in the range " + text;
+    };
+    return CLI::Validator(check, range.str());
 }
 
 template <class Number>
@@ -89,6 +96,14 @@ void add_seconds(CLI::App& app, const char* name, std::chrono::milliseconds& tar
         ->default_str(seconds_text(target));
 }
 
+CLI::Validator is_a_path()
+{
+    const auto check = [](const std::string& text) {
+        return text.empty() ? std::string("the path is empty") : std::string();
+    };
+    return CLI::Validator(check, "");
+}
+
 void add_listeners(CLI::App& app, Options& options)
 {
     app.add_option_function<std::string>(
@@ -99,7 +114,14 @@ void add_listeners(CLI::App& app, Options& options)
            "--token-file or --tls-client-ca. 127.0.0.1:8080 when neither this nor --unix-socket is given")
         ->type_name("ADDRESS:PORT");
     app.add_option("--unix-socket", options.unix_socket, "Path of a Unix socket to serve on")
-        ->type_name("PATH");
+        ->type_name("PATH")
+        ->check(is_a_path());
+    app.add_option(
+           "--server-name", options.server_names,
+           "Name under which clients reach the TCP address, besides localhost and the address itself; may "
+           "be given several times. Requests to other names are refused")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
     app.add_option_function<std::string>(
            "--unix-mode",
            option_with("--unix-mode",
@@ -154,9 +176,17 @@ void add_limits(CLI::App& app, Options& options)
                "Nesting of arrays and objects in a request");
     add_number(app, "--max-batch", options.dispatch.max_batch, 1, 100000, "Requests in a batch");
     add_number<Size>(app, "--max-connections", options.connections.total, 1, 65536,
-                     "Client connections in all");
+                     "Client connections over TCP in all");
+    add_number<Size>(app, "--max-unix-connections", options.connections.unix_total, 1, 65536,
+                     "Client connections over the Unix socket; they take none of the others' places");
     add_number<Size>(app, "--max-connections-per-address", options.connections.per_address, 1, 65536,
-                     "Client connections from one address");
+                     "Client connections from one IPv4 address or IPv6 network (/64)");
+    add_seconds(app, "--token-timeout", options.connections.token, 0.1, 3600,
+                "How long a connection may stay without a valid token, where one is asked for");
+    add_seconds(
+        app, "--call-timeout", options.connections.call, 0, 86400,
+        "How long a request may run before it is answered with an error, while the call is left to end; 0 "
+        "for ever");
     add_seconds(app, "--idle-timeout", options.connections.idle, 0.1, 86400,
                 "How long a connection may stay without a request");
     add_seconds(app, "--request-timeout", options.connections.request, 0.1, 3600,
@@ -208,28 +238,13 @@ void check_tls(const Options& options)
         throw CLI::ValidationError("--tls-certificate", "is needed with the other --tls- options");
     if (options.tls->key.empty())
         throw CLI::ValidationError("--tls-key", "is needed with the other --tls- options");
-    if (!options.tcp)
+    if (!options.tcp && !has_inherited_sockets())
         throw CLI::ValidationError("--tls-certificate", "is for --listen; a Unix socket has no TLS");
-}
-
-/// For an address that others can reach.
-void check_reachable(const Options& options, const std::string& address)
-{
-    if (!options.tls && !options.allow_plain_http)
-        throw CLI::ValidationError(
-            "--listen", address + " can be reached from other machines, and without TLS everyone "
-                                  "on the way can read along; give --tls-certificate and --tls-key, "
-                                  "a loopback address, or --allow-plain-http if that is meant");
-    const bool knows_clients = options.token_file || (options.tls && !options.tls->client_ca.empty());
-    if (!knows_clients)
-        throw CLI::ValidationError("--listen",
-                                   address + " can be reached from other machines; give --token-file or "
-                                             "--tls-client-ca too, or a loopback address");
 }
 
 void check_together(Options& options)
 {
-    if (!options.tcp && !options.unix_socket)
+    if (!options.tcp && !options.unix_socket && !has_inherited_sockets())
         options.tcp = TcpAddress{"127.0.0.1", default_port};
     check_tls(options);
     if (options.tcp && !is_loopback(*options.tcp))
@@ -237,6 +252,15 @@ void check_together(Options& options)
     options.connections.listening = options.events.heartbeat + options.connections.request;
     if (options.binding_pauses.longest < options.binding_pauses.first)
         throw CLI::ValidationError("--retry-pause-max", "must not be shorter than --retry-pause");
+}
+
+/// Every option with its value, as text.
+std::map<std::string, std::string> settings_of(const CLI::App& app)
+{
+    std::map<std::string, std::string> settings;
+    for (const CLI::Option* option : app.get_options())
+        settings[option->get_name()] = CLI::detail::join(option->results(), " ");
+    return settings;
 }
 
 int end_early(const CLI::App& app, const CLI::ParseError& end, std::ostream& output)
@@ -250,6 +274,20 @@ int end_early(const CLI::App& app, const CLI::ParseError& end, std::ostream& out
 }
 
 } // namespace
+
+void check_reachable(const Options& options, const std::string& address)
+{
+    if (!options.tls && !options.allow_plain_http)
+        throw CLI::ValidationError(
+            "--listen", address + " can be reached from other machines, and without TLS everyone "
+                                  "on the way can read along; give --tls-certificate and --tls-key, "
+                                  "a loopback address, or --allow-plain-http if that is meant");
+    const bool knows_clients = options.token_file || (options.tls && !options.tls->client_ca.empty());
+    if (!knows_clients)
+        throw CLI::ValidationError("--listen",
+                                   address + " can be reached from other machines; give --token-file or "
+                                             "--tls-client-ca too, or a loopback address");
+}
 
 std::variant<Options, int> read_options(int argc, const char* const* argv, std::ostream& output)
 {
@@ -268,6 +306,7 @@ std::variant<Options, int> read_options(int argc, const char* const* argv, std::
     try {
         app.parse(argc, argv);
         check_together(options);
+        options.settings = settings_of(app);
         return options;
     } catch (const CLI::ParseError& end) {
         return end_early(app, end, output);

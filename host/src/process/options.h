@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstddef>
 #include <iosfwd>
+#include <map>
 #include <optional>
 #include <string>
 #include <variant>
@@ -47,7 +48,14 @@ struct Options
     int discovery_timeout = 10; ///< seconds; -1 for ever
     BindingPauses binding_pauses;
     std::chrono::milliseconds stop_timeout{15000};
+
+    /// What was given, by the option's name.
+    std::map<std::string, std::string> settings;
 };
+
+/// What must be given for an address that others can reach. Throws CLI::ValidationError, a
+/// std::runtime_error.
+void check_reachable(const Options& options, const std::string& address);
 
 /// Reads the command line and the configuration file that it may name. Gives the exit code instead when the
 /// program is to end: after --help and --version, which go to `output`, and after a mistake, which is told of

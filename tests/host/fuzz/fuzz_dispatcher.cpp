@@ -7,7 +7,7 @@
 
 #include "jsonrpc/dispatcher.h"
 #include "method_table.h"
-#include "json/json_parser.h"
+#include "json/json_reader.h"
 
 namespace {
 

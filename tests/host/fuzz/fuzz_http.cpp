@@ -91,7 +91,8 @@ private:
     const zorbd::FileDescriptor m_listener = listen_on(m_address);
     const host_test::FuzzMethods m_methods;
     const zorbd::Dispatcher m_dispatcher{m_methods, {16, 20}};
-    zorbd::WorkerPool m_workers{1, 16};
+    zorbd::WorkerPool m_workers{1, 2, 16};
+    zorbd::PluginLoads m_loads{{"stub.so"}, 1, 16};
     zorbd::ConnectionRegistry m_connections{
         {16, 16, 16, request_time, request_time, request_time, request_time, request_time}};
     const zorbd::RouteTable m_routes = make_routes();
@@ -100,7 +101,8 @@ private:
     zorbd::EventFeed m_feed{{}};
     zorbd::Metrics m_metrics;
     zorbd::CallLog m_calls{m_metrics, m_feed, nullptr};
-    zorbd::HttpServer m_server{m_gate, {m_dispatcher, m_workers, m_metrics, m_calls}};
+    zorbd::HttpServer m_server{m_gate,
+                               {{m_dispatcher, m_workers, m_loads, m_calls}, m_metrics, request_time}};
     zorbd::Acceptor m_acceptor{{listener()}, m_connections, m_metrics};
 };
 
