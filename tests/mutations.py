@@ -1055,9 +1055,6 @@ MUTATIONS = [
     Mutation("holder-with-a-virtual-destructor", HOLDER,
              '    ~KX_DDS_RMI_PROXY();',
              '    virtual ~KX_DDS_RMI_PROXY();'),
-    Mutation("holder-with-a-virtual-question", HOLDER,
-             '    bool isProxyFound();',
-             '    virtual bool isProxyFound();'),
     Mutation("holder-with-another-member", HOLDER,
              (
                  '    std::int32_t m_instanceId;\n'),
@@ -1207,9 +1204,6 @@ MUTATIONS = [
     Mutation("runtime-with-a-virtual-destructor", RUNTIME,
              '    ~KX_DDS_RMI_RUNTIME()',
              '    virtual ~KX_DDS_RMI_RUNTIME()'),
-    Mutation("runtime-with-a-virtual-start", RUNTIME,
-             '    void startRUNTIME(bool severalThreads);',
-             '    virtual void startRUNTIME(bool severalThreads);'),
     Mutation("runtime-with-another-member", RUNTIME,
              (
                  '    org::opensplice::DDS_RMI::shared_ptr<org::opensplice::DDS_RMI::CRuntime> m_runtime;\n'),
