@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "caller.h"
 #include "grpc_calls.h"
 #include "latency_log.h"
 #include "plugin_calls.h"
@@ -21,8 +22,6 @@
 #include "support/dds_domain.h"
 
 namespace {
-
-constexpr std::size_t outstanding = 64;
 
 struct Measured
 {
@@ -36,36 +35,7 @@ std::map<std::string, Measured>& results()
     return all;
 }
 
-class Caller
-{
-public:
-    explicit Caller(bench::Calls& calls) : m_calls(calls) {}
-
-    /// Seconds from the call to its reply.
-    double one_call()
-    {
-        const auto begin = bench::Clock::now();
-        m_calls.start();
-        return std::chrono::duration<double>(m_calls.replies().wait_for(++m_done) - begin).count();
-    }
-
-    /// Seconds for `count` calls of which 64 are outstanding at a time.
-    double pipelined(std::size_t count)
-    {
-        const auto begin = bench::Clock::now();
-        for (std::size_t i = 0; i < count; ++i) {
-            m_calls.start();
-            ++m_done;
-            if (i >= outstanding)
-                m_calls.replies().wait_for(m_done - outstanding);
-        }
-        return std::chrono::duration<double>(m_calls.replies().wait_for(m_done) - begin).count();
-    }
-
-private:
-    bench::Calls& m_calls;
-    std::size_t m_done = 0;
-};
+using bench::Caller;
 
 void call_to_reply(benchmark::State& state, Caller& caller, const std::string& name)
 {

@@ -202,6 +202,33 @@ TEST_F(Roles, let_a_lawless_peer_do_what_its_permissions_allow)
     EXPECT_EQ(count_answered(host, every_method()), all_calls);
 }
 
+TEST_F(Roles, stay_when_a_key_is_changed_while_the_others_run)
+{
+    const ChildProcess server = start_server({}, m_known.server);
+    {
+        Host host({}, m_known.host);
+        host.wait_until_bound();
+        EXPECT_EQ(count_answered(host, every_method()), all_calls);
+    }
+    m_known.trust.renew("known-host");
+
+    Host host({}, m_known.host);
+    host.wait_until_bound();
+
+    EXPECT_EQ(count_answered(host, every_method()), all_calls);
+    EXPECT_THAT(report_of_unbound_host(m_known.server), HasSubstr("Not Allowed By Security"));
+}
+
+TEST_F(Roles, end_for_a_revoked_peer_when_the_others_have_been_restarted_with_the_new_list)
+{
+    const TrustFolder other(m_known.domain.id());
+    const Environment lost = revoked(m_known, other, "host");
+    const ChildProcess server = start_server({}, m_known.server);
+
+    EXPECT_THAT(report_of_unbound_host(lost), HasSubstr("was not found within"));
+    EXPECT_THAT(server.error_output(), HasSubstr("revoked"));
+}
+
 TEST_F(Roles, both_may_call_and_serve)
 {
     const Environment both = m_known.trust.add("both", "both");

@@ -49,6 +49,11 @@ Environment TrustFolder::add(const std::string& name, const std::string& role) c
     return with_configuration(configuration(name));
 }
 
+void TrustFolder::renew(const std::string& name) const
+{
+    run({ZORB_TRUST, "renew", path(), name});
+}
+
 void TrustFolder::revoke(const std::string& name) const
 {
     run({ZORB_TRUST, "revoke", path(), name});

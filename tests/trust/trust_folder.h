@@ -30,6 +30,7 @@ public:
 
     /// Makes a peer; gives the environment of its processes.
     Environment add(const std::string& name, const std::string& role) const;
+    void renew(const std::string& name) const;
     void revoke(const std::string& name) const;
 
     std::filesystem::path authority() const { return path() / "authority"; }

@@ -28,10 +28,22 @@ expect "all libraries are found" all_libraries_found
 expect "the whole path works" runs_the_demo
 expect "zorbd serves with the configuration that it comes with" serves_with_its_configuration
 
+# With keys and certificates that the installed command makes.
+runs_the_protected_demo() { ./demo --trust --programs /usr || { cat /tmp/varnel-demo.*/*.log && return 1; }; }
+
+makes_a_good_peer() {
+    zorb-trust init /tmp/trust && zorb-trust add /tmp/trust gateway --role host &&
+        zorb-trust check /tmp/trust/peers/gateway/cyclonedds.xml
+}
+
+quietly apt-get install -y --no-install-recommends ./packages/zorb-trust_*.deb
+expect "zorb-trust equips a peer" makes_a_good_peer
+expect "the whole path works with DDS Security and HTTPS" runs_the_protected_demo
+
 quietly apt-get install -y --no-install-recommends ./packages/zorb-dev_*.deb g++
 expect "a plug-in is built with the development package" makes_a_plugin
 
-quietly apt-get purge -y zorb-dev varnelde zorbd varnelrpc
+quietly apt-get purge -y zorb-dev zorb-trust varnelde zorbd varnelrpc
 expect "the configuration is gone" test ! -e /etc/zorbd/zorbd.conf
-expect "the programs are gone" test "$(ls /usr/bin/zorbd /usr/bin/varnelde /usr/lib/lib{zorb,VarnelRMI,ddsrmi}* 2>/dev/null)" == ''
+expect "the programs are gone" test "$(ls /usr/bin/zorb-trust /usr/bin/zorbd /usr/bin/varnelde /usr/lib/lib{zorb,VarnelRMI,ddsrmi}* 2>/dev/null)" == ''
 finish
