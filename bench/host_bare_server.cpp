@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The least that an HTTP server of JSON can do on what zorbd is built on: libmicrohttpd, set up with one
-// epoll thread as zorbd sets it up, parses the body with json-c and answers the same bytes to whatever it
-// was. Until its standard input ends.
+// The least that a server of JSON can do on a common HTTP library: libmicrohttpd with one epoll thread parses
+// the body with json-c and answers the same bytes to whatever it was. Until its standard input ends.
 
 #include <arpa/inet.h>
 #include <json-c/json.h>
