@@ -11,8 +11,10 @@ ANY_DOMAIN = "<domains><id_range><min>0</min><max>230</max></id_range></domains>
 ANNOUNCEMENTS = "DDS_Service*"
 REQUESTS = "topic___*_request"
 REPLIES = "topic___*_reply"
+# Nobody reads it: a writer on it that comes and goes makes Cyclone DDS look at its clock again.
+WAKE_UP = "DDS_RMI_wake_up"
 
-WRITTEN_BY = {"host": [REQUESTS], "server": [ANNOUNCEMENTS, REPLIES]}
+WRITTEN_BY = {"host": [REQUESTS, WAKE_UP], "server": [ANNOUNCEMENTS, REPLIES, WAKE_UP]}
 READ_BY = {"host": [ANNOUNCEMENTS, REPLIES], "server": [REQUESTS]}
 ROLES = ("host", "server", "both")
 
@@ -49,8 +51,8 @@ def governance():
 def permissions(subject, role, start, end):
     """What `role` needs and nothing else, for the holder of the certificate with this subject."""
     roles = ("host", "server") if role == "both" else (role,)
-    written = [topic for one in roles for topic in WRITTEN_BY[one]]
-    read = [topic for one in roles for topic in READ_BY[one]]
+    written = sorted({topic for one in roles for topic in WRITTEN_BY[one]})
+    read = sorted({topic for one in roles for topic in READ_BY[one]})
     return """<?xml version="1.0" encoding="UTF-8"?>
 <dds xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance">
   <permissions>
