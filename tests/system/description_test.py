@@ -1,12 +1,13 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: Apache-2.0
-"""The description of the fourteen methods: a valid OpenRPC document whose examples are as it says, and what zorbd
+"""The description of the methods: a valid OpenRPC document whose examples are as it says, and what zorbd
 makes of it.
 
 Usage: description_test.py BUILD_FOLDER DESCRIPTION..."""
 
 import json
 import pathlib
+import re
 import subprocess
 import sys
 
@@ -55,10 +56,16 @@ def check_examples(method):
         jsonschema.validate(example["result"]["value"], method["result"]["schema"])
 
 
+def interface_operations():
+    idl = pathlib.Path(__file__).resolve().parents[2] / "rmi" / "VarnelRMI.idl"
+    return set(re.findall(r"^ *long (\w+)\(", idl.read_text(), re.MULTILINE))
+
+
 def check_document(document, validator):
     validator.validate(document)
     methods = resolved(document["methods"], document)
-    assert len(methods) == 14, f"{len(methods)} methods are described"
+    described, operations = {method["name"] for method in methods}, interface_operations()
+    assert described == operations, f"not in both rmi/VarnelRMI.idl and the description: {described ^ operations}"
     for method in methods:
         assert method["examples"] and method["errors"], method["name"]
         check_examples(method)
