@@ -20,6 +20,8 @@ make_trusted_peers() {
     (umask 077 && printf 'oauth2-bearer = "%s"\n' "$(<"$trust/token")" >"$trust/curl")
     # shellcheck disable=SC2034 # for rpc.sh
     rpc_scheme=https rpc_options=(--cacert "$trust/tls_ca.pem" --config "$trust/curl")
+    # shellcheck disable=SC2034 # the same
+    ctl_options=(--ca-file "$trust/tls_ca.pem" --token-file "$trust/token")
 }
 
 # use_peer <name>: for the processes started from now on.

@@ -71,8 +71,8 @@ TEST(pages, manual_has_every_option_and_no_other)
 TEST(pages, host_page_names_no_option_that_is_unknown)
 {
     std::set<std::string> allowed = options_in(help());
-    allowed.insert({"--json", "--unix-socket", "--oauth2-bearer", "--cacert", "--file", "--methods",
-                    "--preset", "--build", "--install", "--prefix"});
+    allowed.insert({"--json", "--wait", "--filter", "--unix-socket", "--oauth2-bearer", "--cacert", "--file",
+                    "--methods", "--preset", "--build", "--install", "--prefix"});
 
     EXPECT_THAT(options_in(read_file(HOST_PAGE)), IsSubsetOf(allowed));
 }
@@ -94,6 +94,11 @@ TEST(pages, manual_has_the_ranges_and_defaults_of_the_help)
     }
 
     EXPECT_GE(found, 10U);
+}
+
+TEST(pages, host_page_shows_the_application_as_it_is)
+{
+    EXPECT_THAT(read_file(HOST_PAGE), HasSubstr("```python\n" + read_file(APPLICATION) + "```\n"));
 }
 
 TEST(pages, host_page_shows_the_example_as_it_is)

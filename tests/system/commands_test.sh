@@ -27,7 +27,7 @@ expect "./demo --trust has got every reply" contains "$output" "replies have com
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 mkdir "$folder/bin"
-ln -s "$build/bin/varnelde" "$folder/bin/varnelde"
+ln -s "$build/bin/varnelde" "$build/bin/zorbctl" "$folder/bin/"
 ln -s "$build/lib" "$folder/lib"
 cat >"$folder/bin/zorbd" <<TEXT
 #!/usr/bin/env bash

@@ -76,6 +76,21 @@ expect "commands complete" test "$(completed 'zorbctl wa')" = watch
 expect "methods complete" test "$(completed 'zorbctl call test_node_s')" = test_node_set_sensor_data
 expect "keys complete" test "$(completed 'zorbctl call test_node_create ')" = 'mac_addr= type='
 
+# The application that docs/host.md shows, as it is told to be called, on a host without a token.
+start "$folder/open.log" "$build/bin/zorbd" --listen 127.0.0.1:0 --plugin "$build/lib/libvarnelrpc_1.0.2.so"
+unfollow
+follow "$folder/open.log" $!
+expect "another zorbd listens" await_line 60 'ready on (http://127\.0\.0\.1:[0-9]+)/'
+readonly open_url=${BASH_REMATCH[1]}
+until env -u ZORBCTL_SOCKET zorbctl --url "$open_url" health >/dev/null; do :; done
+expect "the application gets its line" contains \
+    "$(no_proxy='*' python3 examples/wait_for_line/wait_for_line.py "$open_url" node_get_data "{\"mac_addr\": \"$node\"}" \
+        'async_node_get_data returns: ' 2>&1)" "'result': 0, 'id': 1}
+async_node_get_data returns: 1"
+metrics=$(curl --silent --noproxy '*' "$open_url/metrics")
+expect "promtool takes the metrics" promtool check metrics <<<"$metrics"
+expect "calls are counted" contains "$metrics" 'zorbd_calls_total{method="node_get_data",code="0"} 1'
+
 kill -STOP "${started[0]}" # the server
 expect "code of a reply that does not come" exits_with 4 zorbctl --timeout 1 call network_get_info --wait
 kill -CONT "${started[0]}"
