@@ -12,7 +12,7 @@
 #include "events/event_feed.h"
 #include "events/line_streambuf.h"
 #include "http/event_stream.h"
-#include "json/json_parser.h"
+#include "json/json_reader.h"
 
 namespace {
 
