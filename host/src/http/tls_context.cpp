@@ -103,7 +103,7 @@ void ask_for_client_certificates(SSL_CTX& context, const std::string& file)
 
 std::shared_ptr<SSL_CTX> make_context(const TlsFiles& files)
 {
-    const std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+    std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     if (context == nullptr)
         throw std::bad_alloc();
     SSL_CTX_set_mode(context.get(), SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER |

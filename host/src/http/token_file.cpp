@@ -17,7 +17,7 @@ constexpr std::size_t longest_name = 64;
 constexpr std::string_view hash_label = "sha256:";
 constexpr std::string_view methods_label = "methods=";
 constexpr std::string_view until_label = "until=";
-constexpr std::time_t day = 24 * 60 * 60;
+constexpr std::time_t day = std::time_t{24} * 60 * 60;
 
 bool begins_with(std::string_view text, std::string_view beginning)
 {
