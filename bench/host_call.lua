@@ -4,6 +4,9 @@ wrk.method = "POST"
 wrk.path = "/"
 wrk.headers["Content-Type"] = "application/json"
 wrk.body = '{"jsonrpc":"2.0","method":"nothing","params":{},"id":1}'
+if os.getenv('CALL_PARAMS') then
+    wrk.body = wrk.body:gsub('{}', os.getenv('CALL_PARAMS'))
+end
 
 function done(summary, latency, requests)
     local errors = summary.errors
