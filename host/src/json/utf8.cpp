@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "json/utf8.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace zorbd {
 namespace {
 
@@ -48,12 +51,29 @@ std::size_t sequence_length(std::string_view text)
     return 0;
 }
 
+constexpr std::size_t ascii_run = 8;
+
+/// Whether the next so many bytes are ASCII, as they are in most texts.
+bool begins_with_ascii(std::string_view text)
+{
+    constexpr std::uint64_t high_bits = 0x8080808080808080U;
+    std::uint64_t bytes = 0;
+    if (text.size() < ascii_run)
+        return false;
+    std::memcpy(&bytes, text.data(), ascii_run);
+    return (bytes & high_bits) == 0;
+}
+
 } // namespace
 
 std::optional<std::size_t> find_invalid_utf8(std::string_view text)
 {
     std::size_t at = 0;
     while (at < text.size()) {
+        if (begins_with_ascii(text.substr(at))) {
+            at += ascii_run;
+            continue;
+        }
         const std::size_t length = sequence_length(text.substr(at));
         if (length == 0)
             return at;
