@@ -1,6 +1,6 @@
 # For the embedded provider:
-#   ddsrmi_compile_topics(<target> <idl file> [DEPENDS <files>])   adds the code of DDS topics to a target
-#   rmi_interface_library(<target> IDL <idl file>)                 makes an interface library
+#   ddsrmi_compile_topics(<target> <idl file>)      adds the code of DDS topics to a target
+#   rmi_interface_library(<target> IDL <idl file>)  makes an interface library
 # Everything that is generated lands in the build tree's folder "generated" beside the calling list file.
 
 find_program(IDLC idlc REQUIRED DOC "Cyclone DDS's IDL compiler (Debian package cyclonedds-tools)")
@@ -12,7 +12,6 @@ get_filename_component(DDSRMI_GENERATOR_FOLDER ${CMAKE_CURRENT_LIST_DIR}/../ddsr
 # Compiles the topic types of an IDL file with idlc and adds them, and the folder of their header, to `target`.
 # A file of topics that includes dds_rmi.idl needs the header dds_rmi.h, which RMI::layer gives.
 function(ddsrmi_compile_topics target idl)
-    cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "DEPENDS")
     get_filename_component(idl ${idl} ABSOLUTE)
     get_filename_component(stem ${idl} NAME_WLE)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/generated)
@@ -25,7 +24,7 @@ function(ddsrmi_compile_topics target idl)
         COMMAND ${IDLC} -l c -x final -I ${DDSRMI_IDL_FOLDER} ${stem}.idl
         COMMAND sed -i "s,${folder}/,," ${stem}.c ${stem}.h
         WORKING_DIRECTORY ${folder}
-        DEPENDS ${idl} ${DDSRMI_IDL_FOLDER}/dds_rmi.idl ${arg_DEPENDS}
+        DEPENDS ${idl} ${DDSRMI_IDL_FOLDER}/dds_rmi.idl
         COMMENT "Compiling the topics of ${stem}.idl"
         VERBATIM)
 
@@ -39,8 +38,8 @@ function(ddsrmi_compile_topics target idl)
     set_target_properties(${target} PROPERTIES C_EXTENSIONS OFF)
 endfunction()
 
-# Makes the shared library `target` from an interface file: the proxy and the reply handlers for clients, the
-# skeleton for servers, and the topics between them. Whoever links it may include the generated headers.
+# Makes the shared library `target` from an interface file: the proxy and the reply handlers for clients, and the
+# skeleton for servers. Whoever links it may include the generated headers.
 function(rmi_interface_library target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "IDL" "")
     if(NOT arg_IDL OR arg_UNPARSED_ARGUMENTS)
@@ -53,11 +52,10 @@ function(rmi_interface_library target)
 
     set(headers ${folder}/${stem}_InterfaceInfo.h ${folder}/${stem}_InterfaceProxy.h ${folder}/${stem}_Interface.h)
     set(sources ${folder}/${stem}_InterfaceInfo.cpp ${folder}/${stem}_InterfaceProxy.cpp ${folder}/${stem}_Interface.cpp)
-    set(topics ${folder}/${stem}_topics.idl)
     file(GLOB generator CONFIGURE_DEPENDS ${DDSRMI_GENERATOR_FOLDER}/ddsrmi_be/*.py)
 
     add_custom_command(
-        OUTPUT ${topics} ${headers} ${sources}
+        OUTPUT ${headers} ${sources}
         COMMAND ${CMAKE_COMMAND} -E env PYTHONDONTWRITEBYTECODE=1
                 ${OMNIIDL} -p${DDSRMI_GENERATOR_FOLDER} -bddsrmi_be -I${DDSRMI_IDL_FOLDER} -C${folder} ${idl}
         DEPENDS ${idl} ${DDSRMI_IDL_FOLDER}/dds_rmi.idl ${generator}
@@ -65,7 +63,7 @@ function(rmi_interface_library target)
         VERBATIM)
 
     add_library(${target} SHARED ${headers} ${sources})
-    ddsrmi_compile_topics(${target} ${topics})
+    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${folder}>)
     target_link_libraries(${target} PUBLIC RMI::layer PRIVATE $<TARGET_NAME_IF_EXISTS:project_warnings>)
     # As on the devices, whose compilers know nothing newer.
     set_target_properties(${target} PROPERTIES CXX_STANDARD 11 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF)

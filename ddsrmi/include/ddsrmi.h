@@ -5,6 +5,7 @@
 // Everything that a client or a server of the RMI layer needs.
 
 #include "ddsrmi/async_reply_handler.h"
+#include "ddsrmi/call_failure.h"
 #include "ddsrmi/dds_service.h"
 #include "ddsrmi/dds_types.h"
 #include "ddsrmi/exceptions.h"

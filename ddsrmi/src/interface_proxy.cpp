@@ -2,6 +2,7 @@
 #include "ddsrmi/interface_proxy.h"
 
 #include "client/request_channel.h"
+#include "ddsrmi/encoding.h"
 #include "report.h"
 
 namespace org::opensplice::DDS_RMI {
@@ -27,15 +28,16 @@ unsigned CInterfaceProxy::getTimeout() const
     return m_channel->timeout();
 }
 
-void CInterfaceProxy::send_request(std::size_t operation, void* request, CAsyncReplyHandlerImpl* handler)
+void CInterfaceProxy::send_request(std::size_t operation, const Encoder& request,
+                                   CAsyncReplyHandlerImpl* handler)
 {
-    m_channel->send(operation, request, Handler(handler));
+    m_channel->send(operation, request.bytes(), Handler(handler));
 }
 
-void CInterfaceProxy::send_request_and_wait(std::size_t operation, void* request,
+void CInterfaceProxy::send_request_and_wait(std::size_t operation, const Encoder& request,
                                             const shared_ptr<CAsyncReplyHandlerImpl>& handler)
 {
-    m_channel->send_and_wait(operation, request, handler);
+    m_channel->send_and_wait(operation, request.bytes(), handler);
 }
 
 } // namespace org::opensplice::DDS_RMI

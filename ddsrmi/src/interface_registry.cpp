@@ -3,10 +3,10 @@
 
 #include "client/proxy_factories.h"
 #include "client/request_channel.h"
-#include "client/service_watch.h"
-#include "dds/event_loop.h"
 #include "dds/refused_peers.h"
+#include "dds/signal.h"
 #include "ddsrmi/exceptions.h"
+#include "discovery/service_watch.h"
 #include "report.h"
 #include "runtime_core.h"
 
@@ -24,18 +24,17 @@ SERVICE_NOT_FOUND not_found(const Entity& participant, const std::string& servic
 }
 
 // Waits until some server announces the service and gives the name of its interface.
-std::string wait_for_announcement(const Entity& participant, ServiceWatch& watch, const std::string& service,
-                                  Clock::time_point deadline)
+std::string wait_for_announcement(const Entity& participant, ServiceWatch& watch, Signal& signal,
+                                  const std::string& service, Clock::time_point deadline)
 {
-    EventLoop loop(participant);
-    const auto attachment = loop.attach(watch.entity(), [&watch] { watch.refresh(); });
+    watch.refresh();
     while (watch.live().empty()) {
-        const auto now = Clock::now();
-        if (now >= deadline)
+        if (Clock::now() >= deadline)
             throw not_found(participant, service);
-        loop.dispatch(deadline - now);
+        signal.wait_until(deadline);
+        watch.refresh();
     }
-    return watch.live().back().server_class;
+    return watch.live().back().announcement.server_class;
 }
 
 } // namespace
@@ -52,15 +51,16 @@ CInterfaceProxy_ref CInterfaceRegistry::resolve(const std::string& server_name, 
     const RuntimeOptions options = m_core->options();
     const auto deadline = options.discovery_deadline(Clock::now());
 
-    ServiceWatch watch(*participant, options.durable, server_name, server_instance);
-    const auto server_class = wait_for_announcement(*participant, watch, server_name, deadline);
+    const auto signal = std::make_shared<Signal>();
+    ServiceWatch watch(*participant, server_name, server_instance, signal);
+    const auto server_class = wait_for_announcement(*participant, watch, *signal, server_name, deadline);
     const auto known = find_proxy(server_class);
     if (!known)
         return {};
 
-    const auto channel = std::make_shared<RequestChannel>(
-        participant, *known->interface_info, ChannelNames{server_name, proxy_name, proxy_instance},
-        std::move(watch), m_core->timeout());
+    const auto channel = std::make_shared<RequestChannel>(participant, *known->interface_info,
+                                                          ProxyNames{server_name, proxy_name, proxy_instance},
+                                                          std::move(watch), signal, m_core->timeout());
     channel->open();
     const CInterfaceProxy_ref proxy(known->factory(ProxySeed{channel}));
     m_core->add(channel);

@@ -3,8 +3,6 @@
 
 namespace org::opensplice::DDS_RMI {
 
-ReplySample::~ReplySample() = default;
-
 CInterfaceSkeleton::~CInterfaceSkeleton() = default;
 
 } // namespace org::opensplice::DDS_RMI

@@ -6,27 +6,72 @@
 #include <utility>
 
 #include "client/request_channel.h"
+#include "dds/clock_step_watch.h"
 #include "dds/lease.h"
 #include "dds/protection.h"
 #include "dds/undecodable_samples.h"
 #include "ddsrmi/exceptions.h"
 #include "report.h"
+#include "server/admission.h"
 #include "server/request_team.h"
 #include "server/served_interface.h"
 
 namespace org::opensplice::DDS_RMI {
 
+namespace {
+
+// Never destroyed: a runtime that is still up when the process ends is ended with it.
+struct Cores
+{
+    std::mutex mutex;
+    std::map<dds_domainid_t, std::shared_ptr<RuntimeCore>> by_domain; // guarded by mutex
+};
+
+Cores& all_cores()
+{
+    static auto& cores = *new Cores;
+    return cores;
+}
+
+} // namespace
+
 std::shared_ptr<RuntimeCore> RuntimeCore::for_domain(dds_domainid_t domain)
 {
-    // Never destroyed: a runtime that is still up when the process ends is ended with it.
-    static auto& mutex = *new std::mutex;
-    static auto& cores = *new std::map<dds_domainid_t, std::shared_ptr<RuntimeCore>>;
-    const std::lock_guard lock(mutex);
-    auto& core = cores[domain];
+    Cores& cores = all_cores();
+    const std::lock_guard lock(cores.mutex);
+    auto& core = cores.by_domain[domain];
     if (core == nullptr)
         core = std::make_shared<RuntimeCore>(domain);
     return core;
 }
+
+std::vector<ServiceState> RuntimeCore::service_states()
+{
+    std::map<dds_domainid_t, std::shared_ptr<RuntimeCore>> cores;
+    {
+        const std::lock_guard lock(all_cores().mutex);
+        cores = all_cores().by_domain;
+    }
+    std::vector<ServiceState> states;
+    for (const auto& [domain, core] : cores)
+        core->add_states_to(states);
+    return states;
+}
+
+void RuntimeCore::add_states_to(std::vector<ServiceState>& states) const
+{
+    std::vector<std::weak_ptr<RequestChannel>> channels;
+    {
+        const std::lock_guard lock(m_mutex);
+        channels = m_channels;
+    }
+    for (const auto& one : channels)
+        if (const auto channel = one.lock())
+            states.push_back({channel->service(), channel->is_connected()});
+}
+
+RuntimeCore::RuntimeCore(dds_domainid_t domain) : m_domain(domain) {}
+RuntimeCore::~RuntimeCore() = default;
 
 bool RuntimeCore::start(const RuntimeOptions& options, RuntimeHold& hold)
 {
@@ -35,6 +80,8 @@ bool RuntimeCore::start(const RuntimeOptions& options, RuntimeHold& hold)
         count_undecodable_samples();
         try {
             m_participant = std::make_shared<Entity>(create_patient_participant(m_domain));
+            m_clock_step_watch = std::make_unique<ClockStepWatch>(m_participant);
+            m_admission = std::make_shared<Admission>(options.server_room);
         } catch (const INTERNAL_ERROR& error) {
             report(std::string(error.what()) + " (" + advice_for_configuration() + ")");
             return false;
@@ -72,6 +119,7 @@ void RuntimeCore::go_down(std::unique_lock<std::mutex>& lock)
     const auto channels = std::exchange(m_channels, {});
     const auto services = std::exchange(m_services, {});
     const auto participant = std::exchange(m_participant, nullptr);
+    const auto clock_step_watch = std::exchange(m_clock_step_watch, nullptr);
     m_serving_all = false;
     lock.unlock();
     m_services_changed.notify_all();
@@ -240,21 +288,19 @@ void RuntimeCore::serve(Service& service)
 {
     if (service.served != nullptr)
         return;
-    const auto served =
-        std::make_shared<ServedInterface>(m_participant, team_for(m_options.server_threading),
+    service.served =
+        std::make_shared<ServedInterface>(m_participant, team_for(m_options.server_threading), m_admission,
                                           service.implementation, service.name, service.instance);
-    served->open(m_options.durable);
-    service.served = served;
 }
 
 std::shared_ptr<RequestTeam> RuntimeCore::team_for(const ServerThreadingPolicy& policy)
 {
     if (policy.model == ServerThreadingPolicy::TPS)
-        return std::make_shared<RequestTeam>(m_participant, policy.pool_size);
+        return std::make_shared<RequestTeam>(policy.pool_size);
     const unsigned size = policy.model == ServerThreadingPolicy::ST ? 1 : policy.pool_size;
     auto team = m_shared_team.lock();
     if (team == nullptr || team->size() != size) {
-        team = std::make_shared<RequestTeam>(m_participant, size);
+        team = std::make_shared<RequestTeam>(size);
         m_shared_team = team;
     }
     return team;

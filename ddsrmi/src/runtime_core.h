@@ -10,11 +10,14 @@
 
 #include "dds/entity.h"
 #include "ddsrmi/interface_skeleton.h"
+#include "ddsrmi/service_state.h"
 #include "ddsrmi/shared_ptr.h"
 #include "runtime_options.h"
 
 namespace org::opensplice::DDS_RMI {
 
+class Admission;
+class ClockStepWatch;
 class RequestChannel;
 class RequestTeam;
 class ServedInterface;
@@ -30,7 +33,13 @@ public:
     /// Always the same object for the same domain.
     static std::shared_ptr<RuntimeCore> for_domain(dds_domainid_t domain);
 
-    explicit RuntimeCore(dds_domainid_t domain) : m_domain(domain) {}
+    /// Of every proxy of the process.
+    static std::vector<ServiceState> service_states();
+
+    explicit RuntimeCore(dds_domainid_t domain);
+    ~RuntimeCore();
+    RuntimeCore(const RuntimeCore&) = delete;
+    RuntimeCore& operator=(const RuntimeCore&) = delete;
 
     /// Counts one more start, in `hold` too; the first brings the runtime up. False when it cannot be.
     bool start(const RuntimeOptions& options, RuntimeHold& hold);
@@ -75,6 +84,7 @@ private:
     using Services = std::vector<Service>;
     using Served = std::vector<std::shared_ptr<ServedInterface>>;
 
+    void add_states_to(std::vector<ServiceState>& states) const;
     void go_down(std::unique_lock<std::mutex>& lock);
     void serve(Service& service);
     std::shared_ptr<RequestTeam> team_for(const ServerThreadingPolicy& policy);
@@ -90,6 +100,8 @@ private:
     unsigned m_timeout_ms = 600'000;
     RuntimeOptions m_options;
     std::shared_ptr<Entity> m_participant;
+    std::unique_ptr<ClockStepWatch> m_clock_step_watch;
+    std::shared_ptr<Admission> m_admission;
     std::vector<std::weak_ptr<RequestChannel>> m_channels;
     Services m_services;
     bool m_serving_all = false;

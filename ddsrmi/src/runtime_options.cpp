@@ -14,6 +14,9 @@ namespace {
 
 constexpr unsigned largest_pool = 256;
 constexpr unsigned usual_pool = 4;
+constexpr unsigned largest_queue_mebibytes = 1U << 20U;
+constexpr unsigned fewest_queued_requests = 1000;
+constexpr unsigned most_queued_requests = 100'000'000;
 
 template <class Number>
 std::optional<Number> parse_number(std::string_view text)
@@ -63,10 +66,28 @@ bool set_server_threading(RuntimeOptions& options, std::string_view value)
     return true;
 }
 
-bool set_durability(RuntimeOptions& options, std::string_view value)
+// Announcements reach clients that start later with either.
+bool set_durability(RuntimeOptions& /*options*/, std::string_view value)
 {
-    options.durable = value == "yes";
     return value == "yes" || value == "no";
+}
+
+bool set_queue_bytes(RuntimeOptions& options, std::string_view value)
+{
+    const auto mebibytes = parse_number<unsigned>(value);
+    if (!mebibytes || *mebibytes < 1 || *mebibytes > largest_queue_mebibytes)
+        return false;
+    options.server_room.bytes = std::uint64_t{*mebibytes} << 20U;
+    return true;
+}
+
+bool set_queue_requests(RuntimeOptions& options, std::string_view value)
+{
+    const auto requests = parse_number<unsigned>(value);
+    if (!requests || *requests < fewest_queued_requests || *requests > most_queued_requests)
+        return false;
+    options.server_room.requests = *requests;
+    return true;
 }
 
 struct Option
@@ -84,6 +105,8 @@ const std::map<std::string_view, Option>& known_options()
         {"--RMIServerThreadingModel",
          {set_server_threading, "ST, MT or TPS, then ,<pool size> from 1 to 256"}},
         {"--RMIDurability", {set_durability, "yes or no"}},
+        {"--RMIServerQueueBytes", {set_queue_bytes, "a number of MiB from 1 to 1048576"}},
+        {"--RMIServerQueueRequests", {set_queue_requests, "a number from 1000 to 100000000"}},
     };
     return options;
 }

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "ddsrmi/runtime.h"
+#include "server/admission.h"
 
 namespace org::opensplice::DDS_RMI {
 
@@ -15,7 +16,8 @@ struct RuntimeOptions
     /// Nothing waits for ever.
     std::optional<std::chrono::seconds> discovery_timeout = std::chrono::seconds(10);
     ServerThreadingPolicy server_threading{ServerThreadingPolicy::ST, 1};
-    bool durable = true;
+    /// For requests that wait to be run, of all clients.
+    RoomUsed server_room{800'000, std::uint64_t{256} << 20U};
 
     std::chrono::steady_clock::time_point discovery_deadline(std::chrono::steady_clock::time_point now) const;
 };

@@ -94,7 +94,7 @@ void expect_only_the_hook_overridden(const std::string& name)
 
 TEST(VirtualFunctions, that_reply_handlers_override_are_the_hooks_alone)
 {
-#define EXPECT_HOOK_ALONE(op, ...)                                                                                \
+#define EXPECT_HOOK_ALONE(op, ...)                                                                           \
     expect_only_the_hook_overridden<MY_##op##_handler,                                                       \
                                     DDS_RMI::VarnelRMI::VarnelRMIService_##op##_Reply_Handler>(#op);
     FOR_EVERY_OPERATION(EXPECT_HOOK_ALONE)
@@ -105,7 +105,7 @@ TEST(VirtualFunctions, that_reply_handlers_override_are_the_hooks_alone)
 class Replacement : public VarnelInterface
 {
 public:
-#define REPLACED(op, ...)                                                                                         \
+#define REPLACED(op, ...)                                                                                    \
     int op(const KX_JSON&, KX_JSON&)                                                                         \
     {                                                                                                        \
         return -1;                                                                                           \

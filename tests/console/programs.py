@@ -83,6 +83,14 @@ def start_browser(width=1600, height=900, scheme="light"):
     return browser
 
 
+def wait_for_animations(browser):
+    """Until no colour is between two others any more."""
+    browser.execute_cdp_cmd("Runtime.evaluate", {
+        "expression": "new Promise(requestAnimationFrame).then(() => Promise.all("
+                      "document.getAnimations().map((one) => one.finished))).then(() => null)",
+        "awaitPromise": True})
+
+
 def set_view(browser, width, height, scheme="light"):
     browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
                             {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False})

@@ -165,8 +165,6 @@ const Refusal names[] = {
      "the name of argument 'errno' is a word of C or C++; choose another"},
     {"needed_scope", in_file("module std { local interface I : ::DDS_RMI::Services { void f(); }; };"), 2,
      "the name of module 'std' is a scope that the generated code needs; choose another"},
-    {"header_of_the_request", in_interface("void f(in long Req_Info);"), 5,
-     "argument 'Req_Info' of operation 'f' has the name of the request's header; choose another"},
     {"member_of_the_base", in_interface("void f();\nvoid setTimeout();"), 6,
      "operation 'setTimeout' has the name of a member of the proxy's base; choose another"},
     {"asynchronous_form_of_another", in_interface("void f();\nvoid async_f();"), 6,
@@ -176,19 +174,20 @@ const Refusal names[] = {
                "local interface I_a : ::DDS_RMI::Services { void b(); };"),
      5,
      "operation 'M::I::a_b' and operation 'M::I_a::b' would both be given the name 'M::I_a_b_Reply_Handler'"},
-    {"same_sample_structure",
-     in_file("module A { local interface B_C : ::DDS_RMI::Services { void f(); }; };\n"
-             "module A_B { local interface C : ::DDS_RMI::Services { void f(); }; };"),
+    {"same_topics",
+     in_file("module A { local interface B__C : ::DDS_RMI::Services { void f(); }; };\n"
+             "module A__B { local interface C : ::DDS_RMI::Services { void f(); }; };"),
      3,
-     "operation 'A::B_C::f' and operation 'A_B::C::f' would both be given the name "
-     "'DDS_RMI_A_B_C_f_request'"},
+     "interface 'A::B__C' and interface 'A__B::C' would both be given the name "
+     "'topic___A__B__C__request'"},
     {"argument_named_as_a_class", in_interface("void f(in long I_f_Reply_Handler);"), 5,
      "argument 'I_f_Reply_Handler' of operation 'f' has the name of generated code; choose another"},
     {"operation_named_as_a_class", in_interface("void IInterface();"), 5,
      "operation 'IInterface' has the name of generated code; choose another"},
-    {"overlong_topic", in_interface("void " + std::string(235, 'x') + "();"), 5,
-     "the topic of operation '" + std::string(235, 'x') +
-         "' would have a name of 257 characters; DDS allows 255"},
+    {"overlong_topic",
+     in_module("local interface " + std::string(240, 'x') + " : ::DDS_RMI::Services { void f(); };"), 4,
+     "the topic of interface 'M::" + std::string(240, 'x') +
+         "' would have a name of 260 characters; DDS allows 255"},
 };
 
 INSTANTIATE_TEST_SUITE_P(declaration, RefusedInterfaceFile, testing::ValuesIn(declarations), name_of);

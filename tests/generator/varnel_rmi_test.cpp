@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <dds/dds.h>
-
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -18,49 +16,18 @@ namespace {
 
 using namespace DDS_RMI::VarnelRMI;
 using Proxy = VarnelRMIServiceInterfaceProxy;
-using testing::ElementsAre;
-
-std::vector<org::opensplice::DDS_RMI::OperationInfo> operations()
-{
-    const auto& info = VarnelRMIService_interface_info();
-    return {info.operations, info.operations + info.operation_count};
-}
 
 TEST(VarnelRMIService, is_announced_under_its_scoped_name)
 {
     EXPECT_STREQ(VarnelRMIService_interface_info().server_class, "VarnelRMI::VarnelRMIService");
 }
 
-TEST(VarnelRMIService, has_a_request_topic_and_a_reply_topic_for_each_operation)
+TEST(VarnelRMIService, has_one_request_topic_and_one_reply_topic)
 {
-    for (const auto& operation : operations()) {
-        const std::string topic = std::string("topic___VarnelRMI__VarnelRMIService__") + operation.name;
-        const std::string type = std::string("DDS_RMI::VarnelRMI::VarnelRMIService::") + operation.name;
+    const auto& info = VarnelRMIService_interface_info();
 
-        EXPECT_EQ(operation.request_topic, topic + "_request");
-        EXPECT_EQ(operation.reply_topic, topic + "_reply");
-        EXPECT_EQ(operation.request_type->m_typename, type + "_request");
-        EXPECT_EQ(operation.reply_type->m_typename, type + "_reply");
-    }
-}
-
-std::vector<std::string> keys(const dds_topic_descriptor& type)
-{
-    std::vector<std::string> names;
-    for (std::uint32_t i = 0; i < type.m_nkeys; ++i) {
-        names.emplace_back(type.m_keys[i].m_name);
-    }
-    return names;
-}
-
-TEST(VarnelRMIService, has_topics_that_are_keyed_by_the_client)
-{
-    const auto by_client =
-        ElementsAre("req_info.client_id.client_impl", "req_info.client_id.client_instance");
-    for (const auto& operation : operations()) {
-        EXPECT_THAT(keys(*operation.request_type), by_client) << operation.name;
-        EXPECT_THAT(keys(*operation.reply_type), by_client) << operation.name;
-    }
+    EXPECT_STREQ(info.request_topic, "topic___VarnelRMI__VarnelRMIService__request");
+    EXPECT_STREQ(info.reply_topic, "topic___VarnelRMI__VarnelRMIService__reply");
 }
 
 // The proxy's and the handlers' tables of virtual functions are what programs that were built against the

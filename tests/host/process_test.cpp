@@ -321,7 +321,7 @@ TEST(plugins, are_all_reported_by_the_health_page)
                R"(","bound":)" + (late_bound ? R"(true,"methods":2)" : R"(false,"methods":0)") +
                R"(,"stuck":0},{"file":")" + plugin("served_methods") + R"(","bound":true,"methods":)" +
                std::to_string(served) +
-               R"(,"stuck":0}],"streams":[{"name":"stdout","dropped":0},{"name":"stderr","dropped":0}]})";
+               R"(,"stuck":0}],"services":[],"streams":[{"name":"stdout","dropped":0},{"name":"stderr","dropped":0}]})";
     };
 
     const auto waiting = ask(zorbd.port(), get("/healthz"));

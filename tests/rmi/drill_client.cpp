@@ -44,16 +44,29 @@ struct Options
     unsigned pause_us = 0;
 };
 
+class Stopwatch
+{
+public:
+    double milliseconds() const
+    {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - m_start).count();
+    }
+
+private:
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+};
+
 constexpr DDS::Long usual_instance = 1; // of a server that was not asked for by number
 
 Proxy find_proxy(const Options& options)
 {
     Proxy proxy;
     std::cout << "looking for " << options.service << std::endl;
+    const Stopwatch stopwatch;
     rmi::DDS_Service::getServerProxy(options.service, options.instance, 1, proxy);
     if (proxy.get() != nullptr)
         proxy->setTimeout(options.timeout_ms);
-    std::cout << "bound" << std::endl;
+    std::cout << "bound ms=" << stopwatch.milliseconds() << std::endl;
     return proxy;
 }
 
@@ -62,8 +75,10 @@ void print(const std::string& title, const StreamResult& result)
     std::cout << title << " accepted=" << result.accepted << " replied=" << result.replied
               << " wrong=" << result.wrong << " given_up=" << result.given_up
               << " timeouts=" << result.timeouts << " not_found=" << result.not_found
-              << " p50_us=" << result.percentile(50) << " p99_us=" << result.percentile(99)
-              << " max_us=" << result.percentile(100) << std::endl;
+              << " server_lost=" << result.server_lost << " closed=" << result.closed
+              << " other_failures=" << result.other_failures << " silent=" << result.silent
+              << " excess=" << result.excess << " p50_us=" << result.percentile(50)
+              << " p99_us=" << result.percentile(99) << " max_us=" << result.percentile(100) << std::endl;
 }
 
 /// Its caller number is `offset` above the one in the options.
@@ -80,6 +95,7 @@ int run_once(const Options& options)
     const auto tally = std::make_shared<drill::Tally>();
     const rmi::shared_ptr<drill::EchoHandler> handler(new drill::EchoHandler(tally, 42));
     proxy->async_echo(42, handler.get());
+    std::cout << "called" << std::endl;
     const bool answered = tally->wait_for_replies(1, std::chrono::milliseconds(options.timeout_ms));
     std::cout << (answered ? "answered" : "NOT ANSWERED") << std::endl;
     return answered && tally->wrong() == 0 ? 0 : 1;
@@ -139,7 +155,38 @@ int run_load(const Options& options)
 int run_ask(const Options& options)
 {
     const Proxy proxy = find_proxy(options);
-    std::cout << "runs=" << proxy->runs() << " repeats=" << proxy->repeats() << std::endl;
+    std::cout << "runs=" << proxy->runs() << " repeats=" << proxy->repeats()
+              << " out_of_order=" << proxy->stamps_out_of_order() << " worked=" << proxy->worked()
+              << std::endl;
+    return 0;
+}
+
+/// Makes calls of three operations in turn, so many outstanding at a time, and prints how many of them the
+/// server has run after a later one.
+int run_notes(const Options& options)
+{
+    const Proxy proxy = find_proxy(options);
+    const auto tally = std::make_shared<drill::Tally>();
+    const std::chrono::milliseconds patience(options.timeout_ms);
+    for (std::size_t i = 0; i < options.calls; ++i) {
+        const auto number = static_cast<DDS::Long>(i + 1);
+        if (i >= options.window && !tally->wait_for_releases(i + 1 - options.window, patience))
+            return 1;
+        if (i % 3 == 0) {
+            const rmi::shared_ptr<drill::NoteRedHandler> handler(new drill::NoteRedHandler(tally, number));
+            proxy->async_note_red(number, handler.get());
+        } else if (i % 3 == 1) {
+            const rmi::shared_ptr<drill::NoteGreenHandler> handler(
+                new drill::NoteGreenHandler(tally, number));
+            proxy->async_note_green(number, handler.get());
+        } else {
+            const rmi::shared_ptr<drill::NoteBlueHandler> handler(new drill::NoteBlueHandler(tally, number));
+            proxy->async_note_blue(number, handler.get());
+        }
+    }
+    tally->wait_for_releases(options.calls, patience);
+    std::cout << "done replied=" << tally->replies() << " wrong=" << tally->wrong()
+              << " disorder=" << proxy->disorder() << std::endl;
     return 0;
 }
 
@@ -150,31 +197,30 @@ double processor_microseconds()
     return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
 }
 
-/// What a call costs this process, one at a time, while so many in all are outstanding; the others are calls
-/// that the server never answers.
+/// What a call costs this process while so many in all are outstanding: first they pile up behind one at the
+/// server's gate, to be opened after the line "loaded", then as many are kept outstanding.
 int run_cost(const Options& options)
 {
     const Proxy proxy = find_proxy(options);
-    const auto lost = std::make_shared<drill::Tally>();
-    for (std::size_t i = 1; i < options.outstanding; ++i) {
-        const rmi::shared_ptr<drill::FailHandler> handler(new drill::FailHandler(lost, 0));
-        proxy->async_fail(0, handler.get());
-    }
-    proxy->echo(0); // the one server thread has dealt with the others once this is answered
-
-    Options one_at_a_time = options;
-    one_at_a_time.window = 1;
-    StampStream stream = make_stream(one_at_a_time, proxy);
+    const auto tally = std::make_shared<drill::Tally>();
+    Options same_window = options;
+    same_window.window = options.outstanding;
+    StampStream stream = make_stream(same_window, proxy);
     const double start = processor_microseconds();
+    proxy->async_gated(1, rmi::shared_ptr<drill::GatedHandler>(new drill::GatedHandler(tally, 1)).get());
+    for (std::size_t i = 1; i < options.outstanding; ++i)
+        stream.call();
+    const std::size_t early = stream.take_result().replied;
+    std::cout << "loaded" << std::endl;
     for (std::size_t i = 0; i < options.calls; ++i)
         stream.call();
     stream.finish(std::chrono::milliseconds(options.timeout_ms));
-    const double cost = (processor_microseconds() - start) / static_cast<double>(options.calls);
+    const std::size_t calls = options.outstanding + options.calls;
+    const double cost = (processor_microseconds() - start) / static_cast<double>(calls);
 
     const StreamResult result = stream.take_result();
-    std::cout << "cost_us=" << cost << " p50_us=" << result.percentile(50) << " replied=" << result.replied
-              << " still_outstanding=" << options.outstanding - 1 - lost->releases() << std::endl;
-    return result.replied == options.calls ? 0 : 1;
+    std::cout << "cost_us=" << cost << " early=" << early << " replied=" << result.replied << std::endl;
+    return early == 0 && result.replied + 1 == calls ? 0 : 1;
 }
 
 /// Calls until one is answered.
@@ -194,17 +240,68 @@ void ping(const Proxy& proxy, unsigned usual_timeout_ms)
     std::cout << "pong" << std::endl;
 }
 
-/// Has so many calls outstanding that wait at the server's gate, until all are answered or given up.
-void hoard(const Proxy& proxy, std::size_t calls)
+/// Calls until there is no server to be called.
+void wait_until_missing(const Proxy& proxy, unsigned usual_timeout_ms)
+{
+    proxy->setTimeout(200);
+    for (bool missing = false; !missing;) {
+        try {
+            proxy->echo(7);
+        } catch (const rmi::TIMEOUT&) {
+            // still believed in
+        } catch (const rmi::SERVICE_NOT_FOUND&) {
+            missing = true;
+        }
+    }
+    proxy->setTimeout(usual_timeout_ms);
+    std::cout << "missing" << std::endl;
+}
+
+/// Makes one call and tells how long its reply took.
+void echo(const Proxy& proxy)
+{
+    const Stopwatch stopwatch;
+    proxy->echo(7);
+    std::cout << "echoed ms=" << stopwatch.milliseconds() << std::endl;
+}
+
+/// Has so many calls outstanding that wait at the server's gate, with texts of that size, until all are
+/// answered or given up. Stops making more when the server has no room.
+void hoard(const Proxy& proxy, std::size_t calls, std::size_t bytes)
+{
+    constexpr std::size_t most_timeouts = 5;
+    const auto tally = std::make_shared<drill::Tally>();
+    const std::string text(bytes, 'x');
+    std::size_t made = 0;
+    std::size_t timeouts = 0;
+    for (; made < calls && timeouts < most_timeouts; ++made) {
+        const rmi::shared_ptr<drill::GatedTextHandler> handler(
+            new drill::GatedTextHandler(tally, static_cast<DDS::ULong>(bytes)));
+        try {
+            proxy->async_gated_text(DDS::string_dup(text.c_str()), handler.get());
+        } catch (const rmi::TIMEOUT&) {
+            ++timeouts;
+        }
+    }
+    std::cout << "hoarded accepted=" << made - timeouts << " timeouts=" << timeouts << std::endl;
+    tally->wait_for_releases(made, std::chrono::hours(1));
+    std::cout << "released replied=" << tally->replies() << " wrong=" << tally->wrong() << std::endl;
+}
+
+/// Makes calls that take so long, and waits for none. Stops making more when the server has no room.
+void queue(const Proxy& proxy, std::size_t calls, DDS::Long milliseconds)
 {
     const auto tally = std::make_shared<drill::Tally>();
-    for (std::size_t i = 0; i < calls; ++i) {
-        const rmi::shared_ptr<drill::GatedHandler> handler(new drill::GatedHandler(tally, 1));
-        proxy->async_gated(1, handler.get());
+    std::size_t accepted = 0;
+    try {
+        for (; accepted < calls; ++accepted) {
+            const rmi::shared_ptr<drill::WorkHandler> handler(new drill::WorkHandler(tally, milliseconds));
+            proxy->async_work(milliseconds, handler.get());
+        }
+    } catch (const rmi::TIMEOUT&) {
+        // no room for more
     }
-    std::cout << "hoarded" << std::endl;
-    tally->wait_for_releases(calls, std::chrono::hours(1));
-    std::cout << "released replied=" << tally->replies() << std::endl;
+    std::cout << "queued accepted=" << accepted << std::endl;
 }
 
 /// Makes calls whose reply hooks throw.
@@ -238,11 +335,18 @@ void obey(const Options& options, const Proxy& proxy, const std::string& command
     std::istringstream words(command);
     std::string verb;
     std::size_t calls = 0;
-    words >> verb >> calls;
+    std::size_t amount = 0;
+    words >> verb >> calls >> amount;
     if (verb == "ping")
         ping(proxy, options.timeout_ms);
+    else if (verb == "missing")
+        wait_until_missing(proxy, options.timeout_ms);
+    else if (verb == "echo")
+        echo(proxy);
     else if (verb == "hoard")
-        hoard(proxy, calls);
+        hoard(proxy, calls, amount);
+    else if (verb == "queue")
+        queue(proxy, calls, static_cast<DDS::Long>(amount));
     else if (verb == "throw")
         throw_from_hooks(proxy, calls);
     else if (verb == "fail")
@@ -306,16 +410,22 @@ int main(int argc, char* argv[])
         "load", "Make calls until standard input ends; each line on it asks for the counts since the last");
     load->add_option("--pause", options.pause_us, "Microseconds between calls")->capture_default_str();
     const auto* const ask = app.add_subcommand("ask", "Print how many calls the server has run");
+    CLI::App* const notes = app.add_subcommand("notes", "Make a number of calls of three operations in turn");
+    notes->add_option("--calls", options.calls, "How many")->capture_default_str();
     CLI::App* const cost = app.add_subcommand("cost", "Print what a call costs beside outstanding ones");
     cost->add_option("--calls", options.calls, "How many to measure")->capture_default_str();
     cost->add_option("--outstanding", options.outstanding, "How many are outstanding in all")
         ->capture_default_str();
-    app.add_subcommand("obey",
-                       "Obey lines on standard input: ping, hoard <calls>, throw <calls>, fail <calls>");
+    app.add_subcommand("obey", "Obey lines on standard input: ping, missing, echo, hoard <calls> <bytes>, "
+                               "queue <calls> <milliseconds>, throw <calls>, fail <calls>");
     CLI11_PARSE(app, argc, argv);
 
-    const std::array<std::pair<const CLI::App*, int (*)(const Options&)>, 5> modes{
-        {{once, run_once}, {flood_mode, run_flood}, {load, run_load}, {ask, run_ask}, {cost, run_cost}}};
+    const std::array<std::pair<const CLI::App*, int (*)(const Options&)>, 6> modes{{{once, run_once},
+                                                                                    {flood_mode, run_flood},
+                                                                                    {load, run_load},
+                                                                                    {ask, run_ask},
+                                                                                    {notes, run_notes},
+                                                                                    {cost, run_cost}}};
     for (const auto& [subcommand, mode] : modes)
         if (subcommand->parsed())
             return run(mode, options);

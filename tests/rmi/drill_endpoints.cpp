@@ -4,18 +4,15 @@
 #include <dds/dds.h>
 
 #include <CLI/CLI.hpp>
-#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
 #include <string>
 
-#include "intruder.h"
+#include "bare.h"
 
 namespace {
-
-constexpr std::size_t operations = 14;
 
 dds_entity_t check(dds_entity_t entity)
 {
@@ -47,21 +44,15 @@ void make_and_delete(dds_entity_t participant, int number)
     dds_qset_history(qos, DDS_HISTORY_KEEP_ALL, DDS_LENGTH_UNLIMITED);
     const dds_entity_t publisher = check(dds_create_publisher(participant, qos, nullptr));
     const dds_entity_t subscriber = check(dds_create_subscriber(participant, qos, nullptr));
-    std::array<dds_entity_t, operations * 4> entities{};
-    for (std::size_t i = 0; i < entities.size(); i += 4) {
-        const std::string topic = "topic_" + std::to_string(i);
-        entities[i + 2] = check(
-            dds_create_topic(participant, &Intruder_Bytes4_desc, ("a" + topic).c_str(), nullptr, nullptr));
-        entities[i + 3] = check(
-            dds_create_topic(participant, &Intruder_Bytes20_desc, ("b" + topic).c_str(), nullptr, nullptr));
-        entities[i] = check(dds_create_writer(publisher, entities[i + 2], qos, nullptr));
-        entities[i + 1] = check(dds_create_reader(subscriber, entities[i + 3], qos, nullptr));
-    }
+    const dds_entity_t requests =
+        check(dds_create_topic(participant, &Bare_Request_desc, "requests", nullptr, nullptr));
+    const dds_entity_t replies =
+        check(dds_create_topic(participant, &Bare_Reply_desc, "replies", nullptr, nullptr));
+    const dds_entity_t writer = check(dds_create_writer(publisher, requests, qos, nullptr));
+    const dds_entity_t reader = check(dds_create_reader(subscriber, replies, qos, nullptr));
     dds_delete_qos(qos);
-    for (const dds_entity_t entity : entities)
+    for (const dds_entity_t entity : {writer, reader, requests, replies, publisher, subscriber})
         dds_delete(entity);
-    dds_delete(publisher);
-    dds_delete(subscriber);
 }
 
 } // namespace

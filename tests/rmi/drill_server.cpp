@@ -1,22 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
-// Serves the interface of drill.idl until its standard input ends. A line "open" on standard input opens the
-// gate of the operation "gated", "close" closes it.
+// Serves the interface of drill.idl until its standard input ends. Lines on standard input move the gate of
+// the operations "gated" and "gated_text": "open" opens it, "close" closes it, "pass 3" lets three calls
+// through.
 
 #include <pthread.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <bitset>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <iostream>
 #include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <unordered_map>
+#include <vector>
 
 #include "ddsrmi.h"
 #include "drill_Interface.h"
@@ -35,8 +40,17 @@ public:
         std::unique_lock lock(m_mutex);
         m_most = std::max(m_most, ++m_waiting);
         std::cout << "at the gate: " << m_waiting << std::endl;
-        m_opened.wait(lock, [this] { return m_open; });
+        m_opened.wait(lock, [this] { return m_open || m_passes > 0; });
+        m_passes -= m_open ? 0 : 1;
         --m_waiting;
+    }
+    void let_pass(int calls)
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_passes += calls;
+        }
+        m_opened.notify_all();
     }
 
     void set_open(bool open)
@@ -58,6 +72,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_opened;
     bool m_open = false; // this and the following are guarded by m_mutex
+    int m_passes = 0;    // calls that a closed gate still lets through
     int m_waiting = 0;
     int m_most = 0;
 };
@@ -67,15 +82,19 @@ private:
 class StampBook
 {
 public:
-    void enter(DDS::LongLong stamp)
+    void enter(DDS::LongLong stamp, DDS::Long caller, DDS::Long number)
     {
-        const auto number = static_cast<std::uint64_t>(stamp);
+        const auto bit = static_cast<std::uint64_t>(stamp);
         const std::lock_guard lock(m_mutex);
         ++m_runs;
-        auto entry = m_pages[number / stamps_in_page][number % stamps_in_page];
+        auto entry = m_pages[bit / stamps_in_page][bit % stamps_in_page];
         if (entry)
             ++m_repeats;
         entry = true;
+        DDS::Long& highest = m_highest[caller];
+        if (number < highest)
+            ++m_out_of_order;
+        highest = std::max(highest, number);
     }
     DDS::ULong runs() const
     {
@@ -87,14 +106,21 @@ public:
         const std::lock_guard lock(m_mutex);
         return m_repeats;
     }
+    DDS::ULong out_of_order() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_out_of_order;
+    }
 
 private:
     static constexpr std::size_t stamps_in_page = 4096;
 
     mutable std::mutex m_mutex; // guards all below
     std::unordered_map<std::uint64_t, std::bitset<stamps_in_page>> m_pages;
+    std::unordered_map<DDS::Long, DDS::Long> m_highest; // number of each caller
     DDS::ULong m_runs = 0;
     DDS::ULong m_repeats = 0;
+    DDS::ULong m_out_of_order = 0;
 };
 
 class NoteBook
@@ -138,11 +164,12 @@ public:
     DDS::LongLong stamp(DDS::Long caller, DDS::Long number) override
     {
         const DDS::LongLong stamp = drill::stamp(m_instance, caller, number);
-        m_stamps.enter(stamp);
+        m_stamps.enter(stamp, caller, number);
         return stamp;
     }
     DDS::ULong runs() override { return m_stamps.runs(); }
     DDS::ULong repeats() override { return m_stamps.repeats(); }
+    DDS::ULong stamps_out_of_order() override { return m_stamps.out_of_order(); }
 
     DDS::Long gated(DDS::Long value) override
     {
@@ -150,6 +177,19 @@ public:
         return value;
     }
     DDS::Long most_gated() override { return m_gate.most(); }
+    DDS::ULong gated_text(DDS::String text) override
+    {
+        m_gate.pass();
+        return static_cast<DDS::ULong>(std::strlen(text));
+    }
+
+    DDS::Long work(DDS::Long milliseconds) override
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        ++m_worked;
+        return milliseconds;
+    }
+    DDS::ULong worked() override { return m_worked; }
 
     DDS::Long fail(DDS::Long value) override
     {
@@ -168,6 +208,7 @@ public:
 private:
     const DDS::Long m_instance;
     Gate& m_gate;
+    std::atomic<DDS::ULong> m_worked{0};
     StampBook m_stamps;
     NoteBook m_notes;
 };
@@ -178,6 +219,8 @@ void obey_standard_input(Gate& gate)
     while (std::getline(std::cin, line)) {
         if (line == "open" || line == "close")
             gate.set_open(line == "open");
+        else if (line.rfind("pass ", 0) == 0)
+            gate.let_pass(std::stoi(line.substr(5)));
     }
 }
 
@@ -186,16 +229,20 @@ struct Options
     std::string service = "drill";
     DDS::Long instance = 1;
     std::string threads = "ST";
+    std::string queue_mib; // the layer's own limit unless given
 };
 
 int serve(const Options& options)
 {
     const rmi::CRuntime_ref runtime = rmi::CRuntime::getDefaultRuntime();
     const std::string threading = "--RMIServerThreadingModel=" + options.threads;
-    std::array<const char*, 2> arguments{"drill_server", threading.c_str()};
+    const std::string limit = "--RMIServerQueueBytes=" + options.queue_mib;
+    std::vector<const char*> arguments{"drill_server", threading.c_str()};
+    if (!options.queue_mib.empty())
+        arguments.push_back(limit.c_str());
     Gate gate;
     const rmi::shared_ptr<Range> range(new Range(options.instance, gate));
-    if (!runtime->start(arguments.size(), arguments.data()) ||
+    if (!runtime->start(static_cast<int>(arguments.size()), arguments.data()) ||
         !rmi::DDS_Service::register_interface<DDS_RMI::Drill::RangeInterface, Range>(range, options.service,
                                                                                      options.instance))
         return 1;
@@ -218,6 +265,7 @@ int main(int argc, char* argv[])
     app.add_option("--instance", options.instance, "Instance number of the service")->capture_default_str();
     app.add_option("--threads", options.threads, "Threading model: ST, MT,<size> or TPS,<size>")
         ->capture_default_str();
+    app.add_option("--queue-mib", options.queue_mib, "Most MiB of requests that wait for their turn");
     CLI11_PARSE(app, argc, argv);
     return serve(options);
 }

@@ -41,6 +41,8 @@ namespace rmi = org::opensplice::DDS_RMI;
 
 DRILL_HANDLER(EchoHandler, echo, DDS::Long);
 DRILL_HANDLER(GatedHandler, gated, DDS::Long);
+DRILL_HANDLER(GatedTextHandler, gated_text, DDS::ULong);
+DRILL_HANDLER(WorkHandler, work, DDS::Long);
 DRILL_HANDLER(FailHandler, fail, DDS::Long);
 DRILL_HANDLER(NoteRedHandler, note_red, DDS::Long);
 DRILL_HANDLER(NoteGreenHandler, note_green, DDS::Long);

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <utility>
 
+#include "ddsrmi/call_failure.h"
 #include "stamp.h"
 
 namespace drill {
@@ -60,12 +61,15 @@ public:
         m_result.wrong += right ? 0 : 1;
         m_result.microseconds.push_back(microseconds);
     }
-    void on_release(bool given_up)
+    void on_failure(rmi::CallFailure reason) { count(counter_of(reason)); }
+    void on_release(bool accepted, int endings)
     {
+        const int expected = accepted ? 1 : 0;
         {
             const std::lock_guard lock(m_mutex);
             --m_outstanding;
-            m_result.given_up += given_up ? 1 : 0;
+            m_result.silent += endings < expected ? 1 : 0;
+            m_result.excess += endings > expected ? 1 : 0;
         }
         m_released.notify_all();
     }
@@ -77,6 +81,20 @@ public:
     }
 
 private:
+    static std::size_t StreamResult::*counter_of(rmi::CallFailure reason)
+    {
+        switch (reason) {
+        case rmi::CallFailure::given_up:
+            return &StreamResult::given_up;
+        case rmi::CallFailure::server_lost:
+            return &StreamResult::server_lost;
+        case rmi::CallFailure::closed:
+            return &StreamResult::closed;
+        default:
+            return &StreamResult::other_failures;
+        }
+    }
+
     void count(std::size_t StreamResult::*counter)
     {
         const std::lock_guard lock(m_mutex);
@@ -90,22 +108,27 @@ private:
     StreamResult m_result;
 };
 
-class StampStream::Handler : public DDS_RMI::Drill::Range_stamp_Reply_Handler
+class StampStream::Handler : public DDS_RMI::Drill::Range_stamp_Reply_Handler, public rmi::CallFailureHandler
 {
 public:
     Handler(std::shared_ptr<State> state, DDS::LongLong expected)
         : m_state(std::move(state)), m_expected(expected), m_start(Clock::now())
     {
     }
-    ~Handler() override { m_state->on_release(m_accepted && !m_replied); }
+    ~Handler() override { m_state->on_release(m_accepted, m_endings); }
 
     /// To be called by who still holds the handler after the call.
     void on_accepted() { m_accepted = true; }
 
     void stamp_Reply(DDS::LongLong result) override
     {
-        m_replied = true;
+        ++m_endings;
         m_state->on_reply(result == m_expected, microseconds_since(m_start));
+    }
+    void handleFailure(rmi::CallFailure reason, const char* /*text*/) override
+    {
+        ++m_endings;
+        m_state->on_failure(reason);
     }
 
 private:
@@ -113,7 +136,7 @@ private:
     const DDS::LongLong m_expected;
     const Clock::time_point m_start;
     bool m_accepted = false; // written by the caller, who holds the handler until then
-    bool m_replied = false;  // written by the reply hook; the last release comes after both
+    int m_endings = 0;       // written by the hooks; the last release comes after both
 };
 
 StampStream::StampStream(const Proxy& proxy, DDS::Long server_instance, DDS::Long caller, std::size_t window)

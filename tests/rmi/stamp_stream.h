@@ -21,7 +21,12 @@ struct StreamResult
     std::size_t accepted = 0;                ///< the call returned
     std::size_t replied = 0;                 ///< its reply hook was called
     std::size_t wrong = 0;                   ///< of these: with another call's result
-    std::size_t given_up = 0;                ///< its handler was released without a reply
+    std::size_t given_up = 0;                ///< its handler was told so
+    std::size_t server_lost = 0;             ///< the same
+    std::size_t closed = 0;                  ///< the same
+    std::size_t other_failures = 0;          ///< its handler was told of a failure that stamp cannot have
+    std::size_t silent = 0;                  ///< its handler was released and never told anything
+    std::size_t excess = 0;                  ///< its handler was told more than once, or the call had thrown
     std::size_t timeouts = 0;                ///< the call threw TIMEOUT
     std::size_t not_found = 0;               ///< the call threw SERVICE_NOT_FOUND
     std::vector<std::uint32_t> microseconds; ///< from call to reply hook, in no order

@@ -62,6 +62,31 @@ TEST(Lifecycle, a_server_that_was_stopped_is_found_again)
     EXPECT_TRUE(is_answered_again(host));
 }
 
+/// Asks until the health report contains the text.
+bool comes_to_say(const Host& host, const std::string& text)
+{
+    const auto deadline = std::chrono::steady_clock::now() + test_support::event_deadline;
+    while (std::chrono::steady_clock::now() < deadline)
+        if (host.health().find(text) != std::string::npos)
+            return true;
+    return false;
+}
+
+TEST(Lifecycle, a_host_tells_whether_the_server_of_a_bound_plug_in_can_be_reached)
+{
+    const DdsDomain domain;
+    ChildProcess server = start_server();
+    Host host;
+    host.wait_until_bound();
+    EXPECT_THAT(host.health(), HasSubstr(R"("services":[{"name":"VarnelDE_Server","reachable":true}])"));
+
+    server.signal(SIGSTOP);
+    EXPECT_TRUE(comes_to_say(host, R"({"name":"VarnelDE_Server","reachable":false})")) << host.health();
+
+    server.signal(SIGCONT);
+    EXPECT_TRUE(comes_to_say(host, R"({"name":"VarnelDE_Server","reachable":true})")) << host.health();
+}
+
 TEST(Lifecycle, a_server_that_was_killed_is_found_again)
 {
     const DdsDomain domain;

@@ -65,6 +65,14 @@ std::string Host::call(const std::string& method, const std::string& params) con
     return curl.output() + curl.error_output();
 }
 
+std::string Host::health() const
+{
+    ChildProcess curl({"curl", "--silent", "--show-error", "--noproxy", "*", "--max-time", "60",
+                       "http://" + m_address + "/healthz"});
+    curl.wait_for_exit();
+    return curl.output() + curl.error_output();
+}
+
 std::string Host::next_line(const std::string& text)
 {
     return m_process.wait_for_line(text).value_or("");

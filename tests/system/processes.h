@@ -34,6 +34,9 @@ public:
     /// answer.
     std::string call(const std::string& method, const std::string& params = "") const;
 
+    /// The body of the answer to GET /healthz.
+    std::string health() const;
+
     /// The next whole line of standard output that contains `text`; empty when none comes.
     std::string next_line(const std::string& text);
 

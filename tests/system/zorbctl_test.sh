@@ -92,6 +92,7 @@ expect "promtool takes the metrics" promtool check metrics <<<"$metrics"
 expect "calls are counted" contains "$metrics" 'zorbd_calls_total{method="node_get_data",code="0"} 1'
 
 kill -STOP "${started[0]}" # the server
+until grep -q '^State:.T' "/proc/${started[0]}/status"; do :; done
 expect "code of a reply that does not come" exits_with 4 zorbctl --timeout 1 call network_get_info --wait
 kill -CONT "${started[0]}"
 

@@ -7,15 +7,14 @@ from zorb_trust import dates
 
 ANY_DOMAIN = "<domains><id_range><min>0</min><max>230</max></id_range></domains>"
 
-# The topics of the RMI layer. A server announces its services, reads requests and writes replies; a host the reverse.
-ANNOUNCEMENTS = "DDS_Service*"
+# The topics of the RMI layer. A server reads requests, by which it announces its services, and writes replies; a host the
+# reverse. The last one carries nothing: a writer of it wakes Cyclone DDS after a step of the system clock.
 REQUESTS = "topic___*_request"
 REPLIES = "topic___*_reply"
-# Nobody reads it: a writer on it that comes and goes makes Cyclone DDS look at its clock again.
 WAKE_UP = "DDS_RMI_wake_up"
 
-WRITTEN_BY = {"host": [REQUESTS, WAKE_UP], "server": [ANNOUNCEMENTS, REPLIES, WAKE_UP]}
-READ_BY = {"host": [ANNOUNCEMENTS, REPLIES], "server": [REQUESTS]}
+WRITTEN_BY = {"host": [REQUESTS, WAKE_UP], "server": [REPLIES, WAKE_UP]}
+READ_BY = {"host": [REPLIES], "server": [REQUESTS]}
 ROLES = ("host", "server", "both")
 
 

@@ -4,7 +4,6 @@
     omniidl -p<folder above this one> -bddsrmi_be -I<folder of dds_rmi.idl> -C<output folder> <stem>.idl
 
 writes, or rewrites, in the output folder
-    <stem>_topics.idl               the topics that carry requests and replies, for idlc
     <stem>_InterfaceInfo.h/.cpp     what the RMI layer is told of the interfaces
     <stem>_InterfaceProxy.h/.cpp    for clients: the proxies and the bases of the reply handlers
     <stem>_Interface.h/.cpp         for servers: the skeletons
@@ -14,7 +13,7 @@ written."""
 import os
 import sys
 
-from ddsrmi_be import checking, interface_info, model, proxy, skeleton, topics
+from ddsrmi_be import checking, interface_info, model, proxy, skeleton
 
 usage_string = "  (none; the output folder is the current one, or omniidl's -C)"
 
@@ -32,7 +31,7 @@ def run(tree, arguments):
 
 def _files(source, interfaces):
     stem = os.path.splitext(source)[0]
-    for part in (topics, interface_info, proxy, skeleton):
+    for part in (interface_info, proxy, skeleton):
         yield from part.files(source, stem, interfaces)
 
 

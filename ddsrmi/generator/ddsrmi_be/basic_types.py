@@ -8,7 +8,7 @@ from omniidl import idltype
 
 @dataclass(frozen=True)
 class BasicType:
-    idl: str  # in the topics file
+    idl: str  # in an operation's signature
     cpp: str  # in proxies and skeletons
 
     @property
@@ -19,10 +19,9 @@ class BasicType:
     def is_text(self):
         return self.idl == "string"
 
-    def to_sample(self, value):
-        """The C++ expression that stores `value` in a member of a sample."""
+    def to_encode(self, value):
+        """The C++ expression of what is encoded of `value`."""
         return value + " != 0" if self.idl == "boolean" else value
-
 
 _BY_KIND = {
     idltype.tk_void: BasicType("void", "void"),

@@ -102,8 +102,6 @@ def _operation(operation):
 def _argument(parameter, operation):
     what = "argument '%s' of %s" % (parameter.identifier(), operation)
     yield from _name(parameter, "argument")
-    if parameter.identifier().lower() == "req_info":
-        yield parameter.line(), what + " has the name of the request's header; choose another"
     if parameter.is_out():
         yield parameter.line(), "%s is %s; only in-arguments are supported" % (what, parameter.dirtext())
     yield from _type(parameter.line(), what, parameter.paramType())

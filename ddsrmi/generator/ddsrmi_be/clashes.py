@@ -26,21 +26,20 @@ def _same_names(found):
 
 
 def _class_names(declaration, interface):
-    """What an interface brings into namespaces, as line, name and what it is for."""
+    """What an interface brings into namespaces and the set of topics, as line, name and what it is for."""
     namespace = "::".join(interface.modules) + "::"
     for name in (interface.proxy, interface.skeleton, interface.info):
         yield declaration.line(), namespace + name, "interface '%s'" % interface.scoped_name
+    yield declaration.line(), interface.topic("request"), "interface '%s'" % interface.scoped_name
     for line, operation in _lines(declaration, interface):
-        for name in (namespace + operation.handler, operation.sample("request"), operation.sample("reply")):
-            yield line, name, _named(operation)
+        yield line, namespace + operation.handler, _named(operation)
 
 
 def _member_names(declaration, interface):
-    """What an interface brings into its own classes and into the set of topics, in the same form."""
+    """What an interface brings into its own classes, in the same form."""
     for line, operation in _lines(declaration, interface):
         for name in (operation.name, operation.async_name):
             yield line, "%s::%s" % (interface.scoped_name, name), _named(operation)
-        yield line, operation.topic("request"), _named(operation)
 
 
 def _lines(declaration, interface):
@@ -53,10 +52,10 @@ def _named(operation):
 
 
 def _long_topics(declaration, interface):
-    for line, operation in _lines(declaration, interface):
-        if len(operation.topic("request")) > _LONGEST_TOPIC:
-            reason = "the topic of operation '%s' would have a name of %d characters; DDS allows %d"
-            yield line, reason % (operation.name, len(operation.topic("request")), _LONGEST_TOPIC)
+    length = len(interface.topic("request"))
+    if length > _LONGEST_TOPIC:
+        reason = "the topic of interface '%s' would have a name of %d characters; DDS allows %d"
+        yield declaration.line(), reason % (interface.scoped_name, length, _LONGEST_TOPIC)
 
 
 def _hidden_classes(declaration, classes):

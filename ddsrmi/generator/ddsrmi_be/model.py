@@ -2,6 +2,7 @@
 """The interfaces of a file, and the names of what is generated for them."""
 
 from dataclasses import dataclass
+from hashlib import sha256
 
 from omniidl import idlast
 
@@ -42,12 +43,15 @@ class Operation:
     def parameters(self):
         return [argument.declaration for argument in self.arguments]
 
-    def topic(self, direction):
-        return "topic___%s__%s_%s" % ("__".join(self.interface.path), self.name, direction)
+    @property
+    def signature(self):
+        """All that a client and a server must have in common to understand each other."""
+        return "%s %s(%s)" % (self.result.idl, self.name, ", ".join(argument.type.idl for argument in self.arguments))
 
-    def sample(self, direction):
-        """The C structure that idlc makes of the topic's type."""
-        return "_".join(("DDS_RMI",) + self.interface.path + (self.name, direction))
+    @property
+    def hash(self):
+        """What requests name the operation by: 64 bits of its signature."""
+        return int.from_bytes(sha256(self.signature.encode()).digest()[:8], "big")
 
 
 @dataclass(frozen=True, eq=False)
@@ -76,6 +80,9 @@ class Interface:
     def info(self):
         """The function that gives the InterfaceInfo."""
         return self.name + "_interface_info"
+
+    def topic(self, direction):
+        return "topic___%s__%s" % ("__".join(self.path), direction)
 
     @property
     def argument_names(self):

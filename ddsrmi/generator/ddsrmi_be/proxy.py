@@ -12,7 +12,7 @@ def files(source, stem, interfaces):
     declarations = [cpp_layout.in_namespace(interface, _declarations(interface)) for interface in interfaces]
     definitions = [cpp_layout.in_namespace(interface, _definitions(interface)) for interface in interfaces]
     yield header, cpp_layout.header(source, header, ['"ddsrmi.h"'], declarations)
-    includes = ['"%s"' % header, "", "<memory>", "", '"%s_InterfaceInfo.h"' % stem, '"%s_topics.h"' % stem]
+    includes = ['"%s"' % header, "", "<memory>", "", '"ddsrmi/encoding.h"', '"%s_InterfaceInfo.h"' % stem]
     yield stem + "_InterfaceProxy.cpp", cpp_layout.implementation(source, includes, definitions)
 
 
@@ -99,7 +99,6 @@ def _definitions(interface):
 
 def _helpers(interface):
     for operation in interface.operations:
-        yield _request_function(operation)
         yield _waiter_class(operation)
     signature = "rmi::CInterfaceProxy* %s(const rmi::ProxySeed& seed)" % _factory_name(interface)
     yield cpp_layout.function(signature, ["return new %s(seed);" % interface.proxy])
@@ -107,22 +106,6 @@ def _helpers(interface):
 
 def _factory_name(interface):
     return "make_%s_proxy" % interface.name
-
-
-def _request_function(operation):
-    request = _local("request", operation)
-    sample = operation.sample("request")
-    statements = ["auto %s = %s();" % (request, sample)]
-    for argument in operation.arguments:
-        statements.append("%s.%s = %s;" % (request, argument.name, argument.type.to_sample(argument.name)))
-    statements.append("return %s;" % request)
-    head = "%s %s" % (sample, _request_function_name(operation))
-    return cpp_layout.function(cpp_layout.signature(head, operation.parameters), statements)
-
-
-def _request_function_name(operation):
-    return free_name("make_%s_%s_request" % (operation.interface.name, operation.name),
-                     operation.interface.argument_names)
 
 
 def _waiter_name(operation):
@@ -157,15 +140,12 @@ def _handler_members(operation):
 
 
 def _handle_reply(operation):
-    signature = "void %s::handleReply(DDS::ReadCondition* %s)"
-    if operation.result.is_void:
-        return cpp_layout.function(signature % (operation.handler, "/*condition*/"), [operation.hook + "();"])
-    sample = operation.sample("reply")
-    statements = [
-        "const auto* const reply = static_cast<const %s*>(condition->sample());" % sample,
-        "%s(reply->result);" % operation.hook,
-    ]
-    return cpp_layout.function(signature % (operation.handler, "condition"), statements)
+    statements = ["rmi::Decoder reply(*condition);"]
+    if not operation.result.is_void:
+        statements += ["%s result;" % operation.result.cpp, "reply.get(result);"]
+    statements += ["reply.finish();", "%s(%s);" % (operation.hook, "" if operation.result.is_void else "result")]
+    signature = "void %s::handleReply(DDS::ReadCondition* condition)" % operation.handler
+    return cpp_layout.function(signature, statements)
 
 
 def _constructor_and_destructor(interface):
@@ -181,7 +161,7 @@ def _waiting_form(operation):
     name = _waiter_name(operation)
     statements = _make_request(operation) + [
         "const rmi::shared_ptr<%s> %s(new %s);" % (name, waiter, name),
-        "send_request_and_wait(%s, &%s, %s);" % (_index(operation), _local("request", operation), waiter),
+        "send_request_and_wait(%s, %s, %s);" % (_index(operation), _local("request", operation), waiter),
     ]
     if not operation.result.is_void:
         statements.append("return %s->result();" % waiter)
@@ -190,7 +170,7 @@ def _waiting_form(operation):
 
 def _starting_form(operation):
     arguments = (_index(operation), _local("request", operation), _local("handler", operation))
-    statements = _make_request(operation) + ["send_request(%s, &%s, %s);" % arguments]
+    statements = _make_request(operation) + ["send_request(%s, %s, %s);" % arguments]
     return _member(operation, "void", operation.async_name, _async_parameters(operation), statements)
 
 
@@ -204,9 +184,9 @@ def _index(operation):
 
 
 def _make_request(operation):
-    statements = list(_owners(operation))
-    call = "%s(%s)" % (_request_function_name(operation), ", ".join(a.name for a in operation.arguments))
-    return statements + ["auto %s = %s;" % (_local("request", operation), call)]
+    request = _local("request", operation)
+    statements = list(_owners(operation)) + ["rmi::Encoder %s;" % request]
+    return statements + ["%s.put(%s);" % (request, a.type.to_encode(a.name)) for a in operation.arguments]
 
 
 def _owners(operation):

@@ -20,16 +20,6 @@ _MEMBERS = frozenset("""
     dec_refcount getTimeout inc_refcount m_channel send_request send_request_and_wait setTimeout
     """.split())
 
-# Keywords of IDL 4, which idlc takes for names only when they are escaped.
-_IDL = frozenset("""
-    abstract any alias attribute bitfield bitmask bitset boolean case char component connector const consumes
-    context custom default double emits enum eventtype exception factory false finder fixed float getraises home
-    import in inout int16 int32 int64 int8 interface local long manages map mirrorport module multiple native object
-    octet oneway out port porttype primarykey private provides public publishes raises readonly sequence setraises
-    short string struct supports switch true truncatable typedef typeid typename typeprefix uint16 uint32 uint64
-    uint8 union unsigned uses valuebase valuetype void wchar wstring
-    """.split())
-
 
 def objection(name):
     """Why `name` cannot be used for anything; None when it can."""
@@ -43,11 +33,6 @@ def objection(name):
 def is_member(name):
     """Whether a class that proxies or skeletons derive from has a member of that name."""
     return name in _MEMBERS
-
-
-def in_idl(name):
-    """`name` as an IDL file must spell it."""
-    return "_" + name if name.lower() in _IDL else name
 
 
 def free_name(wanted, taken):

@@ -2,6 +2,7 @@
 """The server side: the skeletons, from which implementations derive."""
 
 from ddsrmi_be import cpp_layout
+from ddsrmi_be.reserved_names import free_name
 
 _RMI = "org::opensplice::DDS_RMI::"
 
@@ -10,8 +11,8 @@ def files(source, stem, interfaces):
     header = stem + "_Interface.h"
     declarations = [cpp_layout.in_namespace(interface, [_skeleton_class(interface)]) for interface in interfaces]
     definitions = [cpp_layout.in_namespace(interface, _definitions(interface)) for interface in interfaces]
-    yield header, cpp_layout.header(source, header, ["<cstddef>", "<memory>", "", '"ddsrmi.h"'], declarations)
-    includes = ['"%s"' % header, "", "<utility>", "", '"%s_InterfaceInfo.h"' % stem, '"%s_topics.h"' % stem]
+    yield header, cpp_layout.header(source, header, ["<cstddef>", "", '"ddsrmi.h"'], declarations)
+    includes = ['"%s"' % header, "", '"ddsrmi/encoding.h"', '"%s_InterfaceInfo.h"' % stem]
     yield stem + "_Interface.cpp", cpp_layout.implementation(source, includes, definitions)
 
 
@@ -28,7 +29,7 @@ public:
 {operations}
     static void _register_service_info();
     const {rmi}InterfaceInfo& _interface_info() const override;
-    std::unique_ptr<{rmi}ReplySample> _dispatch(std::size_t operation, const void* request) override;
+    void _dispatch(std::size_t operation, {rmi}Decoder& request, {rmi}Encoder& reply) override;
 }};
 """.format(scoped_name=interface.scoped_name, skeleton=interface.skeleton, rmi=_RMI, operations=operations)
 
@@ -44,7 +45,6 @@ def _definitions(interface):
 
 
 def _runners(interface):
-    yield "typedef std::unique_ptr<rmi::ReplySample> Reply;\n"
     for operation in interface.operations:
         yield _runner(operation)
 
@@ -54,27 +54,35 @@ def _runner_name(operation):
 
 
 def _runner(operation):
-    reply = "TextReply" if operation.result.is_text else "PlainReply"
-    statements = [
-        "typedef rmi::%s<%s> OwnReply;" % (reply, operation.sample("reply")),
-        "std::unique_ptr<OwnReply> reply(new OwnReply);",
-        _call(operation),
-        "return Reply(std::move(reply));",
+    names = {wanted: _local(wanted, operation) for wanted in ("implementation", "request", "reply", "result")}
+    statements = []
+    for argument in operation.arguments:
+        statements += ["%s %s;" % (argument.type.cpp, argument.name), "%s.get(%s);" % (names["request"], argument.name)]
+    statements.append("%s.finish();" % names["request"])
+    statements += _call(operation, names)
+    reply = "rmi::Encoder& " + ("/*reply*/" if operation.result.is_void else names["reply"])
+    parameters = [
+        "%s& %s" % (operation.interface.skeleton, names["implementation"]),
+        "rmi::Decoder& " + names["request"],
+        reply,
     ]
-    if operation.arguments:
-        cast = "const auto* const request = static_cast<const %s*>(sample);"
-        statements.insert(2, cast % operation.sample("request"))
-    sample = "const void* sample" if operation.arguments else "const void* /*sample*/"
-    parameters = ["%s& implementation" % operation.interface.skeleton, sample]
-    return cpp_layout.function(cpp_layout.signature("Reply " + _runner_name(operation), parameters), statements)
+    return cpp_layout.function(cpp_layout.signature("void " + _runner_name(operation), parameters), statements)
 
 
-def _call(operation):
-    arguments = ", ".join("request->%s" % argument.name for argument in operation.arguments)
-    call = "implementation.%s(%s)" % (operation.name, arguments)
+def _local(wanted, operation):
+    """A name for something inside a runner, other than the arguments' names."""
+    return free_name(wanted, {argument.name for argument in operation.arguments})
+
+
+def _call(operation, names):
+    arguments = ", ".join(argument.name for argument in operation.arguments)
+    call = "%s.%s(%s)" % (names["implementation"], operation.name, arguments)
     if operation.result.is_void:
-        return call + ";"
-    return "reply->value.result = %s;" % operation.result.to_sample(call)
+        return [call + ";"]
+    if operation.result.is_text:
+        owned = "const rmi::OwnedString %s(%s);" % (names["result"], call)
+        return [owned, "%s.put(%s.get());" % (names["reply"], names["result"])]
+    return ["%s.put(%s);" % (names["reply"], operation.result.to_encode(call))]
 
 
 def _plain_members(interface):
@@ -91,13 +99,14 @@ const rmi::InterfaceInfo& {skeleton}::_interface_info() const
 
 
 def _dispatch(interface):
-    signature = "std::unique_ptr<rmi::ReplySample> %s::_dispatch(std::size_t operation, const void* request)"
-    statements = ["static Reply (*const runners[])(%s&, const void*) = {" % interface.skeleton]
+    head = "void %s::_dispatch" % interface.skeleton
+    parameters = ["std::size_t operation", "rmi::Decoder& request", "rmi::Encoder& reply"]
+    statements = ["static void (*const runners[])(%s&, rmi::Decoder&, rmi::Encoder&) = {" % interface.skeleton]
     statements += ["    %s," % _runner_name(operation) for operation in interface.operations]
     statements += [
         "};",
         "if (operation >= sizeof runners / sizeof runners[0])",
         '    throw rmi::BAD_PARAM("%s has no such operation");' % interface.scoped_name,
-        "return runners[operation](*this, request);",
+        "runners[operation](*this, request, reply);",
     ]
-    return cpp_layout.function(signature % interface.skeleton, statements)
+    return cpp_layout.function(cpp_layout.signature(head, parameters), statements)

@@ -38,7 +38,7 @@ public:
     ReadCondition(const ReadCondition&) = delete;
     ReadCondition& operator=(const ReadCondition&) = delete;
 
-    /// The decoded reply structure of the operation's reply topic.
+    /// The EncodedResult of encoding.h.
     const void* sample() const { return m_sample; }
 
 private:

@@ -6,8 +6,6 @@
 
 #include "ddsrmi/dds_types.h"
 
-struct dds_topic_descriptor;
-
 namespace org {
 namespace opensplice {
 namespace DDS_RMI {
@@ -15,15 +13,14 @@ namespace DDS_RMI {
 class CInterfaceProxy;
 struct ProxySeed;
 
-/// One operation of an interface and the two topics that carry it. The sample structures of both topics begin
-/// with a DDS_RMI_Request_Header.
+/// One operation of an interface.
 struct OperationInfo
 {
     const char* name;
-    const char* request_topic;
-    const dds_topic_descriptor* request_type;
-    const char* reply_topic;
-    const dds_topic_descriptor* reply_type;
+    /// Its name and types as people read them; two versions of an operation differ here.
+    const char* signature;
+    /// Of the signature; what requests name the operation by.
+    DDS::ULongLong hash;
 };
 
 /// What the code generator knows of an interface. All of it is static data of the interface library.
@@ -31,6 +28,8 @@ struct InterfaceInfo
 {
     /// The interface's scoped name, e.g. "M::I".
     const char* server_class;
+    const char* request_topic;
+    const char* reply_topic;
     const OperationInfo* operations;
     std::size_t operation_count;
 };

@@ -13,6 +13,7 @@ namespace org {
 namespace opensplice {
 namespace DDS_RMI {
 
+class Encoder;
 class RequestChannel;
 
 /// A client's connection to one service. Generated proxies derive from it.
@@ -22,7 +23,8 @@ class RequestChannel;
 /// that has returned, no reply hook of the proxy is running (but the one that dropped it) or will run.
 ///
 /// A call throws SERVICE_NOT_FOUND at once when no server is there, TIMEOUT when the server's queues stay
-/// full for the blocking time, BAD_INV_ORDER when the runtime has been stopped.
+/// full for the blocking time (1 s), BAD_PARAM when the server's version of the interface has no such
+/// operation, BAD_INV_ORDER when the runtime has been stopped.
 class CInterfaceProxy : public virtual RefCounted
 {
 public:
@@ -36,13 +38,15 @@ public:
 protected:
     explicit CInterfaceProxy(const ProxySeed& seed);
 
-    /// Sends `request` (a sample of the operation's request topic; its header is filled in here) and returns.
-    /// Takes a reference to `handler` until its reply has been delivered or the request given up.
-    void send_request(std::size_t operation, void* request, CAsyncReplyHandlerImpl* handler);
+    /// Sends a request with the encoded arguments and returns. Takes a reference to `handler` until its reply
+    /// has been delivered or the call has ended without one (see call_failure.h).
+    void send_request(std::size_t operation, const Encoder& request, CAsyncReplyHandlerImpl* handler);
 
-    /// The same, and waits until `handler` has received the reply. Throws TIMEOUT when none comes in time,
-    /// BAD_INV_ORDER on the thread that delivers this proxy's replies.
-    void send_request_and_wait(std::size_t operation, void* request,
+    /// The same, and waits until `handler` has received the reply. Throws INTERNAL_ERROR when the
+    /// implementation has failed, SERVICE_NOT_FOUND when the server was lost meanwhile, TIMEOUT when no reply
+    /// comes in time, and BAD_INV_ORDER when the runtime is stopped meanwhile or on the thread that delivers
+    /// this proxy's replies.
+    void send_request_and_wait(std::size_t operation, const Encoder& request,
                                const shared_ptr<CAsyncReplyHandlerImpl>& handler);
 
 private:

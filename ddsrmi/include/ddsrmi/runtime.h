@@ -54,7 +54,11 @@ public:
     ///   --RMIClientThreadingModel=ST|MT           several threads may share a proxy with either
     ///   --RMIServiceDiscoveryTimeout=<seconds>    how long a lookup waits; -1 for ever; 10 unless given
     ///   --RMIServerThreadingModel=ST|MT|TPS[,<pool size>]
-    ///   --RMIDurability=yes|no                    whether announcements reach clients that start later
+    ///   --RMIDurability=yes|no                    announcements reach clients that start later with either
+    ///   --RMIServerQueueBytes=<MiB>               how much may wait to be run, of all clients; each may have
+    ///   a
+    ///                                             quarter of it; 256 unless given
+    ///   --RMIServerQueueRequests=<number>         the same in requests; 800000 unless given
     /// An unknown option or a bad value, or no DDS domain to be had, is said on standard error and gives
     /// false; then nothing is counted.
     bool start(int argc, const char* argv[]);

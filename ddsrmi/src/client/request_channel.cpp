@@ -4,49 +4,58 @@
 #include <algorithm>
 #include <utility>
 
-#include "client/destroy_together.h"
 #include "client/handler_activation.h"
 #include "client/waiting_handler.h"
-#include "dds_rmi.h"
+#include "dds/loan.h"
+#include "dds/path_name.h"
+#include "dds/qos.h"
+#include "dds/topics.h"
+#include "ddsrmi/encoding.h"
 #include "ddsrmi/exceptions.h"
+#include "wire/messages.h"
 
 namespace org::opensplice::DDS_RMI {
 
 namespace {
 
-// How long a call waits while the server's queues are full.
+// How long a call waits while the server has granted no room for it.
 constexpr std::chrono::seconds blocking_time{1};
-constexpr std::size_t most_outstanding = 200'000;
 // How long one server is tried before the next one, where a service has several: longer from turn to turn,
 // for it may be the machine that is slow.
 constexpr std::chrono::milliseconds first_patience{500};
 constexpr std::chrono::milliseconds longest_patience{4000};
-constexpr std::chrono::seconds report_pause{1};
+// A server that was replaced is most likely dead; one that is not gets this long to answer what it was sent.
+constexpr std::chrono::seconds grace_of_the_replaced{2};
 
-char* c_string(const std::string& text)
+bool answers_a_call(ReplyKind kind)
 {
-    return const_cast<char*>(text.c_str()); // the sample is only read
+    return kind == ReplyKind::result || kind == ReplyKind::failed || kind == ReplyKind::unknown_operation ||
+           kind == ReplyKind::overdue;
 }
 
-void release(const std::vector<Handler>& handlers)
+std::string text_of(const DDS_RMI_Reply& reply)
 {
-    for (const Handler& handler : handlers)
-        deactivate(*handler.get());
+    return std::string(reinterpret_cast<const char*>(reply.result._buffer), reply.result._length);
 }
 
 } // namespace
 
 RequestChannel::RequestChannel(std::shared_ptr<Entity> participant, const InterfaceInfo& interface_info,
-                               ChannelNames names, ServiceWatch watch, unsigned timeout_ms)
+                               ProxyNames names, ServiceWatch watch, std::shared_ptr<Signal> signal,
+                               unsigned timeout_ms)
     : m_participant(std::move(participant)), m_interface(interface_info), m_names(std::move(names)),
-      m_timeout_ms(timeout_ms), m_outstanding(most_outstanding),
+      m_path(make_path_name(*m_participant)), m_signal(std::move(signal)), m_timeout_ms(timeout_ms),
       m_strays("dropped a reply of service '" + m_names.service + "' to a request that is not outstanding"),
-      m_loop(*m_participant), m_watch(std::move(watch)), m_patience(first_patience)
+      m_undecodable("dropped a reply of service '" + m_names.service + "' that cannot be decoded"),
+      m_lost_calls(m_names.service), m_watch(std::move(watch)), m_patience(first_patience),
+      m_listener({[this] {
+                      m_replies_there = true;
+                      m_signal->raise();
+                  },
+                  {}}),
+      m_reader(Partitioned::reader(*m_participant, create_reply_topic(*m_participant, interface_info), m_path,
+                                   exchange_qos(), m_listener))
 {
-    m_watch_attachment = m_loop.attach(m_watch.entity(), [this] {
-        m_watch.refresh();
-        m_links_need_care = true;
-    });
 }
 
 RequestChannel::~RequestChannel() = default;
@@ -61,14 +70,24 @@ void RequestChannel::open()
 bool RequestChannel::wait_until_connected(Clock::time_point deadline)
 {
     std::unique_lock lock(m_mutex);
-    const auto settled = [this] { return m_closed || (m_current != nullptr && m_current->connected()); };
-    return m_changed.wait_until(lock, deadline, settled) && !m_closed;
+    const auto settled = [this] { return m_closed || m_connection.session != nullptr; };
+    if (deadline == Clock::time_point::max())
+        m_changed.wait(lock, settled);
+    else
+        m_changed.wait_until(lock, deadline, settled);
+    return m_connection.session != nullptr && !m_closed;
+}
+
+bool RequestChannel::is_connected() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_connection.session != nullptr && !m_closed;
 }
 
 void RequestChannel::close()
 {
     m_closed = true;
-    m_loop.wake();
+    m_signal->raise();
     std::thread thread;
     const bool own_thread = on_own_thread();
     {
@@ -86,175 +105,229 @@ void RequestChannel::close()
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, [this] { return m_thread_id == std::thread::id(); });
     }
-    release(m_outstanding.take_all());
+    // The thread has ended, or is this one: what it has left is this call's.
+    for (const Link& link : m_links)
+        if (link->session() != nullptr)
+            fail_all(link->session()->end(), CallFailure::closed,
+                     "the proxy was released or the RMI runtime stopped");
 }
 
-void RequestChannel::send(std::size_t operation, void* request, const Handler& handler)
+void RequestChannel::send(std::size_t operation, const std::vector<DDS::Octet>& arguments,
+                          const Handler& handler)
 {
-    const Link link = usable_link();
+    const Session session = usable_session(operation);
     if (handler.get() == nullptr)
         throw BAD_PARAM("a request needs a reply handler");
 
     activate(*handler.get());
-    const auto now = Clock::now();
-    const auto added =
-        m_outstanding.add({handler, operation, link->number(), now + std::chrono::milliseconds(m_timeout_ms)},
-                          now + blocking_time);
-    if (!added) {
+    using Sent = ClientSession::Sent;
+    Sent sent = Sent::ended;
+    try {
+        sent = session->send({operation, m_interface.operations[operation].hash, arguments, handler,
+                              std::chrono::milliseconds(m_timeout_ms)},
+                             Clock::now() + blocking_time);
+    } catch (...) {
         deactivate(*handler.get());
-        throw TIMEOUT("service '" + m_names.service + "': too many requests are waiting for their replies");
+        throw;
     }
-    if (added->next_deadline_moved)
-        m_loop.wake();
-
-    fill_header(request, added->id, *link);
-    const dds_return_t result = m_closed ? DDS_RETCODE_ALREADY_DELETED : link->write(operation, request);
-    if (result == DDS_RETCODE_OK)
+    if (sent == Sent::yes_and_due_early)
+        m_signal->raise();
+    if (sent == Sent::yes || sent == Sent::yes_and_due_early)
         return;
-
-    m_outstanding.withdraw(added->id);
     deactivate(*handler.get());
     require_open();
-    if (result == DDS_RETCODE_TIMEOUT)
+    if (sent == Sent::no_room)
         throw TIMEOUT("service '" + m_names.service + "' takes no more requests: its queues are full");
-    check(result, "cannot send a request to service '" + m_names.service + "'");
+    throw SERVICE_NOT_FOUND("service '" + m_names.service + "' was lost while a call waited for room");
 }
 
-void RequestChannel::send_and_wait(std::size_t operation, void* request, const Handler& handler)
+void RequestChannel::send_and_wait(std::size_t operation, const std::vector<DDS::Octet>& arguments,
+                                   const Handler& handler)
 {
     if (on_own_thread())
         throw BAD_INV_ORDER("a reply hook cannot wait for another reply of its own proxy");
-    const auto outcome = std::make_shared<ReplyOutcome>();
-    send(operation, request, Handler(new WaitingHandler(handler, outcome)));
-    if (outcome->wait() == ReplyOutcome::State::replied)
-        return;
-    require_open();
-    throw TIMEOUT("service '" + m_names.service + "' did not reply within " + std::to_string(timeout()) +
-                  " ms");
+    const auto outcome = std::make_shared<CallOutcome>();
+    send(operation, arguments, Handler(new WaitingHandler(handler, outcome)));
+    outcome->wait();
 }
 
 void RequestChannel::run()
 {
     try {
         while (!m_closed) {
-            m_loop.dispatch(time_to_next_task());
-            give_up_the_overdue();
-            tend_servers();
-            tend_links();
+            m_signal->wait_until(next_task());
+            m_watch.refresh();
+            take_replies();
+            const auto now = Clock::now();
+            give_up_the_overdue(now);
+            tend_links(now);
+            choose_server(now);
+            let_go_of_links(now);
+            publish_connection();
+            m_lost_calls.write_when_due(now);
         }
     } catch (...) {
         report_current_exception("the connection to service '" + m_names.service + "' is lost:");
         m_closed = true;
     }
-    report_given_up();
-    let_go_of_links();
+    m_lost_calls.write_all();
     const std::lock_guard lock(m_mutex);
+    m_connection = {};
     m_thread_id = std::thread::id();
     m_changed.notify_all();
 }
 
-void RequestChannel::let_go_of_links()
-{
-    m_candidate.reset();
-    {
-        const std::lock_guard lock(m_mutex);
-        m_current.reset(); // it is one of the links
-    }
-    destroy_together(std::move(m_links));
-    m_links.clear();
-    m_partings.clear(); // waits for them
-}
-
-std::chrono::nanoseconds RequestChannel::time_to_next_task()
+Clock::time_point RequestChannel::next_task()
 {
     const auto now = Clock::now();
-    auto next = m_outstanding.plan_wake_up(now);
-    if (m_candidate != nullptr && m_watch.live().size() > 1)
-        next = std::min(next, m_out_of_patience);
-    if (m_given_up > 0)
-        next = std::min(next, m_next_report);
-    for (const Link& link : m_links)
+    auto next = std::min(m_lost_calls.due(), m_out_of_patience);
+    for (const Link& link : m_links) {
         next = std::min(next, link->care_due());
-    if (m_links_need_care)
-        next = now;
-    return std::max(next, now) - now;
-}
-
-void RequestChannel::give_up_the_overdue()
-{
-    auto overdue = m_outstanding.take_expired(Clock::now());
-    if (!overdue.empty()) {
-        m_given_up += overdue.size();
-        release(overdue);
-        m_links_need_care = true;
+        if (link->session() != nullptr)
+            next = std::min(next, link->session()->plan_wake_up(now));
+        if (link != m_current && link != m_candidate)
+            next = std::min(next, m_replaced_at + grace_of_the_replaced);
     }
-    if (Clock::now() >= m_next_report)
-        report_given_up();
+    return next;
 }
 
-// At most once a second, for there may be thousands in a second when a server is dead.
-void RequestChannel::report_given_up()
+void RequestChannel::take_replies()
 {
-    if (m_given_up == 0)
+    if (!m_replies_there.exchange(false))
         return;
-    report("gave up " + std::to_string(std::exchange(m_given_up, 0)) + " requests to service '" +
-           m_names.service + "': no reply in time");
-    m_next_report = Clock::now() + report_pause;
+    take_all(m_reader.get(), [this](const void* sample, const dds_sample_info_t& info) {
+        if (info.valid_data && !m_closed)
+            take_in(*static_cast<const DDS_RMI_Reply*>(sample));
+    });
 }
 
-void RequestChannel::deliver(const ServerLink& link, std::size_t operation, const void* sample)
+void RequestChannel::take_in(const DDS_RMI_Reply& reply)
 {
-    if (m_closed)
-        return;
-    const auto& header = *static_cast<const DDS_RMI_Request_Header*>(sample);
-    const auto handler = m_outstanding.take(header.client_id.request_id, operation, link.number());
-    if (!handler) {
+    const auto concerned = [&](const Link& link) {
+        return reply.wire_version == wire_version && link->take_in(reply);
+    };
+    const auto found = std::find_if(m_links.begin(), m_links.end(), concerned);
+    if (found == m_links.end())
+        m_strays.count();
+    else if (answers_a_call(static_cast<ReplyKind>(reply.kind)))
+        deliver(*(*found)->session(), const_cast<DDS_RMI_Reply&>(reply)); // its texts are handed out as char*
+}
+
+void RequestChannel::deliver(ClientSession& session, DDS_RMI_Reply& reply)
+{
+    const auto request = session.take(reply.number);
+    if (!request) {
         m_strays.count();
         return;
     }
-    deactivate(*handler->get());
-    DDS::ReadCondition condition(sample);
-    try {
-        (*handler)->handleReply(&condition);
-    } catch (...) {
-        report_current_exception(std::string("the reply hook of ") + m_interface.operations[operation].name);
+    switch (static_cast<ReplyKind>(reply.kind)) {
+    case ReplyKind::result:
+        run_hook(*request, reply);
+        break;
+    case ReplyKind::unknown_operation:
+        fail(*request, CallFailure::unknown_operation,
+             "service '" + m_names.service + "' does not know the operation '" + name_of(request->operation) +
+                 "'");
+        break;
+    case ReplyKind::overdue:
+        fail(*request, CallFailure::given_up, "service '" + m_names.service + "' came to the call too late");
+        break;
+    default:
+        fail(*request, CallFailure::implementation_failed,
+             "the implementation of '" + name_of(request->operation) + "' failed: " + text_of(reply));
+        break;
     }
 }
 
-void RequestChannel::tend_servers()
+void RequestChannel::run_hook(const OutstandingRequest& request, DDS_RMI_Reply& reply)
+{
+    deactivate(*request.handler.get());
+    const EncodedResult result{reply.result._buffer, reply.result._length};
+    DDS::ReadCondition condition(&result);
+    try {
+        request.handler->handleReply(&condition);
+    } catch (const DecodingError&) {
+        m_undecodable.count();
+        fail(request, CallFailure::implementation_failed,
+             "the reply of '" + name_of(request.operation) + "' cannot be decoded");
+    } catch (...) {
+        report_current_exception("the reply hook of " + name_of(request.operation));
+    }
+}
+
+void RequestChannel::give_up_the_overdue(Clock::time_point now)
 {
     for (const Link& link : m_links)
-        link->tend(Clock::now());
+        if (link->session() != nullptr)
+            fail_all(link->session()->take_expired(now), CallFailure::given_up,
+                     "service '" + m_names.service + "' did not reply in time");
 }
 
-void RequestChannel::tend_links()
+void RequestChannel::fail(const OutstandingRequest& request, CallFailure reason, const std::string& text)
 {
-    const bool out_of_patience = m_candidate != nullptr && Clock::now() >= m_out_of_patience;
-    if (!m_links_need_care && !out_of_patience)
+    if (reason != CallFailure::closed)
+        m_lost_calls.count(reason);
+    deactivate(*request.handler.get());
+    auto* const wants_to_know = dynamic_cast<CallFailureHandler*>(request.handler.get());
+    if (wants_to_know == nullptr)
         return;
-    m_links_need_care = false;
+    try {
+        wants_to_know->handleFailure(reason, text.c_str());
+    } catch (...) {
+        report_current_exception("the failure hook of " + name_of(request.operation));
+    }
+}
 
-    if (m_candidate != nullptr && m_candidate->connected())
-        promote(std::exchange(m_candidate, nullptr));
-    else if (m_candidate != nullptr && m_watch.find(m_candidate->server().path) == nullptr)
+void RequestChannel::fail_all(const std::vector<OutstandingRequest>& requests, CallFailure reason,
+                              const std::string& text)
+{
+    for (const OutstandingRequest& request : requests)
+        fail(request, reason, text);
+}
+
+void RequestChannel::tend_links(Clock::time_point now)
+{
+    for (const Link& link : m_links) {
+        link->tend(now);
+        for (const auto& [requests, why] : link->take_losses())
+            fail_all(requests, CallFailure::server_lost, why);
+    }
+}
+
+void RequestChannel::choose_server(Clock::time_point now)
+{
+    if (m_candidate != nullptr && m_watch.find(m_candidate->server().path) == nullptr)
         m_candidate.reset();
+    if (m_candidate != nullptr && may_promote_candidate(now))
+        promote(std::exchange(m_candidate, nullptr), now);
 
+    const bool out_of_patience = m_candidate != nullptr && now >= m_out_of_patience;
     if (out_of_patience) {
         m_patience = std::min(2 * m_patience, longest_patience);
-        m_out_of_patience = Clock::now() + m_patience;
+        m_out_of_patience = now + m_patience;
     }
-    if (const Announcement* const server = better_server(out_of_patience))
-        connect(*server);
-    drop_idle_links();
+    if (const Server* const server = better_server(out_of_patience))
+        connect(*server, now);
+    if (m_candidate == nullptr || m_watch.live().size() + (m_candidate->is_second_choice() ? 1 : 0) < 2)
+        m_out_of_patience = Clock::time_point::max();
+}
+
+// A server that knows of a newer one of its own number is taken only when that one does not answer.
+bool RequestChannel::may_promote_candidate(Clock::time_point now) const
+{
+    return m_candidate->connected() && (!m_candidate->is_second_choice() || now >= m_out_of_patience);
 }
 
 // A newer server of the same instance is the old one restarted, even if the old one's end has not shown yet.
 // Without a connected server any will do: the newest first, then each gets its turn.
-const Announcement* RequestChannel::better_server(bool next_please) const
+const Server* RequestChannel::better_server(bool next_please) const
 {
-    if (m_candidate != nullptr)
-        return next_please ? m_watch.next_in_turn(m_candidate->server().path, connected_path())
-                           : m_watch.successor(m_candidate->server());
+    if (m_candidate != nullptr && next_please)
+        return m_watch.next_in_turn(m_candidate->server().path, connected_path());
+    if (m_candidate != nullptr) {
+        const Server* const successor = m_watch.successor(m_candidate->server());
+        return successor != nullptr && successor->announcement.epoch > m_latest_tried ? successor : nullptr;
+    }
     if (m_current != nullptr && m_current->connected())
         return m_watch.successor(m_current->server());
     return m_watch.newest_but(m_current == nullptr ? std::string() : m_current->server().path);
@@ -265,42 +338,52 @@ std::string RequestChannel::connected_path() const
     return m_current != nullptr && m_current->connected() ? m_current->server().path : std::string();
 }
 
-void RequestChannel::connect(const Announcement& server)
+void RequestChannel::connect(const Server& server, Clock::time_point now)
 {
-    auto link = std::make_shared<ServerLink>(*m_participant, m_interface, server, blocking_time);
-    m_out_of_patience = Clock::now() + m_patience;
-    m_links.push_back(link);
-    m_candidate = link;
-    link->attach(
-        m_loop,
-        [this, link = link.get()](std::size_t operation, const void* sample) {
-            deliver(*link, operation, sample);
-        },
-        [this] { m_links_need_care = true; });
+    const auto known = std::find_if(m_links.begin(), m_links.end(),
+                                    [&](const Link& link) { return link->server().path == server.path; });
+    m_out_of_patience = now + m_patience;
+    m_latest_tried = std::max(m_latest_tried, server.announcement.epoch);
+    if (known != m_links.end()) {
+        m_candidate = *known;
+        return;
+    }
+    m_candidate =
+        std::make_shared<ServerLink>(*m_participant, m_interface, m_names, m_path, server, m_signal);
+    m_links.push_back(m_candidate);
+    m_candidate->tend(now);
 }
 
-void RequestChannel::promote(const Link& link)
+void RequestChannel::promote(const Link& link, Clock::time_point now)
 {
     m_patience = first_patience;
+    m_out_of_patience = Clock::time_point::max();
+    m_latest_tried = 0;
     m_watch.set_predecessors_aside(link->server());
-    {
-        const std::lock_guard lock(m_mutex);
-        m_current = link;
-    }
-    m_changed.notify_all();
+    m_current = link;
+    m_replaced_at = now;
 }
 
-// A link whose server owes it acknowledgements waits for them while it is destroyed, which must not keep
-// replies of other servers from being delivered.
-void RequestChannel::drop_idle_links()
+// A link's end waits up to a second for a server that owes it acknowledgements, which must not keep replies
+// of other servers from being delivered.
+void RequestChannel::let_go_of_links(Clock::time_point now)
 {
-    const auto first_idle =
-        std::partition(m_links.begin(), m_links.end(), [this](const Link& link) { return !is_idle(link); });
-    for (auto idle = first_idle; idle != m_links.end(); ++idle)
-        if (!(*idle)->settled())
-            m_partings.push_back(
-                std::async(std::launch::async, [link = std::move(*idle)]() mutable { link.reset(); }));
-    m_links.erase(first_idle, m_links.end());
+    if (m_current != nullptr && m_watch.find(m_current->server().path) == nullptr &&
+        m_current->session() == nullptr)
+        m_current.reset();
+    for (const Link& link : m_links) {
+        if (!is_done_with(*link, now))
+            continue;
+        link->end_session("a newer server has replaced it");
+        for (const auto& [requests, why] : link->take_losses())
+            fail_all(requests, CallFailure::server_lost, why);
+    }
+    const auto first_done = std::stable_partition(
+        m_links.begin(), m_links.end(), [&](const Link& link) { return !is_done_with(*link, now); });
+    for (auto done = first_done; done != m_links.end(); ++done)
+        m_partings.push_back(
+            std::async(std::launch::async, [link = std::move(*done)]() mutable { link.reset(); }));
+    m_links.erase(first_done, m_links.end());
 
     const auto has_ended = [](const std::future<void>& parting) {
         return parting.wait_for(std::chrono::seconds::zero()) == std::future_status::ready;
@@ -308,31 +391,43 @@ void RequestChannel::drop_idle_links()
     m_partings.erase(std::remove_if(m_partings.begin(), m_partings.end(), has_ended), m_partings.end());
 }
 
-bool RequestChannel::is_idle(const Link& link) const
+bool RequestChannel::is_done_with(const ServerLink& link, Clock::time_point now) const
 {
-    if (link == m_candidate || link == m_current)
+    if (&link == m_candidate.get() || &link == m_current.get())
         return false;
-    return !m_outstanding.any_on(link->number());
+    const bool waits_for_replies = link.session() != nullptr && link.session()->has_outstanding();
+    return !waits_for_replies || now >= m_replaced_at + grace_of_the_replaced;
 }
 
-RequestChannel::Link RequestChannel::usable_link()
+void RequestChannel::publish_connection()
+{
+    const Session session = m_current != nullptr && m_current->connected() ? m_current->session() : nullptr;
+    const std::lock_guard lock(m_mutex);
+    if (m_connection.session == session)
+        return;
+    m_connection.session = session;
+    if (session != nullptr)
+        m_connection.known_operations = m_current->known_operations();
+    m_changed.notify_all();
+}
+
+RequestChannel::Session RequestChannel::usable_session(std::size_t operation) const
 {
     require_open();
     const std::lock_guard lock(m_mutex);
-    if (m_current == nullptr || !m_current->connected())
+    if (m_connection.session == nullptr)
         throw SERVICE_NOT_FOUND("service '" + m_names.service + "' is not available: no server offers it");
-    return m_current;
+    if (!m_connection.known_operations.at(operation))
+        throw BAD_PARAM(("service '" + m_names.service + "' has no operation '" +
+                         m_interface.operations[operation].signature +
+                         "': its server has another version of the interface")
+                            .c_str());
+    return m_connection.session;
 }
 
-void RequestChannel::fill_header(void* request, DDS::ULong id, const ServerLink& link) const
+std::string RequestChannel::name_of(std::size_t operation) const
 {
-    auto& header = *static_cast<DDS_RMI_Request_Header*>(request);
-    header.service_id.server_class = const_cast<char*>(m_interface.server_class);
-    header.service_id.server_impl = c_string(m_names.service);
-    header.service_id.server_instance = link.server().instance;
-    header.client_id.client_impl = c_string(m_names.proxy);
-    header.client_id.client_instance = m_names.proxy_instance;
-    header.client_id.request_id = id;
+    return m_interface.operations[operation].name;
 }
 
 bool RequestChannel::on_own_thread() const

@@ -2,223 +2,238 @@
 #include "client/server_link.h"
 
 #include <algorithm>
+#include <random>
+#include <utility>
 
-#include "client/destroy_together.h"
-#include "dds/greeting.h"
 #include "dds/lease.h"
-#include "dds/loan.h"
-#include "dds/path_name.h"
+#include "dds/matched.h"
 #include "dds/qos.h"
 #include "dds/topics.h"
+#include "report.h"
+#include "wire/definition.h"
+#include "wire/messages.h"
 
 namespace org::opensplice::DDS_RMI {
 
 namespace {
 
-// A reader learns the state of a new writer some 10 ms after it has matched it; what is written before may be
-// lost and come only 200 ms later.
-constexpr std::chrono::milliseconds greeting_delay{20};
+// The first hello is likely to be lost, because the server's reader has not heard of the writer yet; but it
+// makes Cyclone introduce the writer. A later one finds the reader ready.
+constexpr std::chrono::milliseconds first_hello_pause{2};
+constexpr std::chrono::milliseconds longest_hello_pause{500};
 
-// A server is felt for so often within the silence that it may keep...
-constexpr int pulses_in_a_silence = 4;
-// ... and so often when it has been silent for longer.
-constexpr std::chrono::milliseconds silent_pulse{200};
-// Longer than Cyclone takes to ask again for an acknowledgement, even on a slow machine.
-constexpr std::chrono::milliseconds soon{200};
+constexpr int pings_in_a_lease = 4;
+constexpr std::chrono::milliseconds ping_pause_of_the_silent{500};
 
-std::uint64_t next_number()
+char* c_string(const std::string& text)
 {
-    static std::atomic<std::uint64_t> last{0};
-    return ++last;
+    return const_cast<char*>(text.c_str()); // the sample is only read
+}
+
+// Between three and five quarters of it, so that many clients do not speak at the same time for ever.
+Clock::duration with_jitter(Clock::duration pause)
+{
+    static thread_local std::minstd_rand random{std::random_device{}()};
+    std::uniform_real_distribution<double> factor(0.75, 1.25);
+    return Clock::duration(static_cast<Clock::rep>(static_cast<double>(pause.count()) * factor(random)));
+}
+
+std::shared_ptr<const Partitioned> make_writer(const Entity& participant, const InterfaceInfo& interface_info,
+                                               const std::string& reply_path, const std::string& server_path,
+                                               const EntityListener& listener)
+{
+    const Entity topic = create_request_topic(participant, interface_info);
+    Qos qos = exchange_qos();
+    set_user_data(qos, reply_path);
+    return std::make_shared<const Partitioned>(
+        Partitioned::writer(participant, topic, server_path, qos, listener));
+}
+
+// Kinds that a session's server sends, but those that begin and end it.
+bool is_known(ReplyKind kind)
+{
+    return kind >= ReplyKind::result && kind <= ReplyKind::grant;
+}
+
+DDS_RMI_Request make_hello(std::uint64_t number, DDS_RMI_Introduction& introduction)
+{
+    DDS_RMI_Request hello{};
+    hello.wire_version = wire_version;
+    hello.kind = static_cast<std::uint16_t>(RequestKind::hello);
+    hello.number = number;
+    hello.about_sender._buffer = &introduction;
+    hello.about_sender._length = 1;
+    hello.about_sender._maximum = 1;
+    return hello;
 }
 
 } // namespace
 
 ServerLink::ServerLink(const Entity& participant, const InterfaceInfo& interface_info,
-                       const Announcement& server, std::chrono::nanoseconds blocking_time)
-    : m_number(next_number()), m_server(server), m_path(make_path_name(participant)),
-      m_publisher(dds_create_publisher(participant.get(), partition_qos(server.path).get(), nullptr),
-                  "cannot create the publisher of requests"),
-      m_subscriber(dds_create_subscriber(participant.get(), partition_qos(m_path).get(), nullptr),
-                   "cannot create the subscriber of replies"),
-      m_longest_silence(configured_lease(participant))
+                       const ProxyNames& names, const std::string& reply_path, const Server& server,
+                       std::shared_ptr<Signal> signal)
+    : m_interface(interface_info), m_names(names), m_server(server),
+      m_name("service '" + names.service + "' (instance " + std::to_string(server.announcement.instance) +
+             ")"),
+      m_lease(configured_lease()), m_listener(std::make_unique<EntityListener>(EntityListener::Actions{
+                                       {},
+                                       [this, signal = std::move(signal)](dds_instance_handle_t reader) {
+                                           if (reader == m_reader)
+                                               m_reader_has_changed = true;
+                                           m_match_changed = true;
+                                           signal->raise();
+                                       }})),
+      m_writer(make_writer(participant, interface_info, reply_path, server.path, *m_listener)),
+      m_known_operations(interface_info.operation_count, true)
 {
-    m_exchanges.reserve(interface_info.operation_count);
-    for (std::size_t i = 0; i < interface_info.operation_count; ++i)
-        m_exchanges.push_back(make_exchange(participant, interface_info.operations[i], blocking_time));
 }
 
-// Cyclone lets a writer wait for its acknowledgements.
-ServerLink::~ServerLink()
-{
-    m_attachments.clear();
-    std::vector<Entity> waiting;
-    for (Exchange& exchange : m_exchanges)
-        if (!is_acknowledged(exchange))
-            waiting.push_back(std::move(exchange.request_writer));
-    destroy_together(std::move(waiting));
-}
+ServerLink::~ServerLink() = default;
 
-ServerLink::Exchange ServerLink::make_exchange(const Entity& participant, const OperationInfo& operation,
-                                               std::chrono::nanoseconds blocking_time) const
+Clock::time_point ServerLink::care_due() const
 {
-    Qos writer_qos = exchange_qos(blocking_time);
-    set_path_name(writer_qos, m_path);
-
-    Exchange exchange;
-    exchange.operation = &operation;
-    exchange.request_topic = create_topic(participant, *operation.request_type, operation.request_topic);
-    exchange.reply_topic = create_topic(participant, *operation.reply_type, operation.reply_topic);
-    exchange.reply_reader = Entity(dds_create_reader(m_subscriber.get(), exchange.reply_topic.get(),
-                                                     exchange_qos(blocking_time).get(), nullptr),
-                                   std::string("cannot create a reader of ") + operation.reply_topic);
-    exchange.request_writer =
-        Entity(dds_create_writer(m_publisher.get(), exchange.request_topic.get(), writer_qos.get(), nullptr),
-               std::string("cannot create a writer of ") + operation.request_topic);
-    return exchange;
-}
-
-void ServerLink::attach(EventLoop& loop, const OnReply& on_reply, const std::function<void()>& on_change)
-{
-    m_on_reply = on_reply;
-    m_on_change = on_change;
-    for (std::size_t i = 0; i < m_exchanges.size(); ++i) {
-        Exchange& exchange = m_exchanges[i];
-        const dds_entity_t reader = exchange.reply_reader.get();
-        const dds_entity_t writer = exchange.request_writer.get();
-        check(dds_set_status_mask(reader, DDS_DATA_AVAILABLE_STATUS | DDS_SUBSCRIPTION_MATCHED_STATUS),
-              "cannot watch a reply reader");
-        check(dds_set_status_mask(writer, DDS_PUBLICATION_MATCHED_STATUS), "cannot watch a request writer");
-        m_attachments.push_back(loop.attach(reader, [this, i] { on_reader_event(i); }));
-        m_attachments.push_back(loop.attach(writer, [this, &exchange] { check_writer(exchange); }));
-    }
-}
-
-dds_return_t ServerLink::write(std::size_t operation, const void* request) const
-{
-    return dds_write(m_exchanges[operation].request_writer.get(), request);
-}
-
-bool ServerLink::is_acknowledged(const Exchange& exchange)
-{
-    return dds_wait_for_acks(exchange.request_writer.get(), 0) != DDS_RETCODE_TIMEOUT;
-}
-
-bool ServerLink::settled() const
-{
-    return std::all_of(m_exchanges.begin(), m_exchanges.end(), is_acknowledged);
+    return m_match_changed ? Clock::time_point::min() : std::min(m_next_hello, m_next_ping);
 }
 
 void ServerLink::tend(Clock::time_point now)
 {
-    send_due_greetings(now);
-    feel_due_pulse(now);
-}
-
-void ServerLink::on_reader_event(std::size_t operation)
-{
-    Exchange& exchange = m_exchanges[operation];
-    const dds_entity_t reader = exchange.reply_reader.get();
-    std::uint32_t changes = 0;
-    dds_get_status_changes(reader, &changes);
-    if ((changes & DDS_SUBSCRIPTION_MATCHED_STATUS) != 0)
-        check_reader(exchange);
-    m_last_sign = Clock::now();
-    take_all(reader, [&](const void* sample, const dds_sample_info_t& info) {
-        if (info.valid_data)
-            m_on_reply(operation, sample);
-        else if (is_greeting(info))
-            on_greeting(exchange);
-    });
-}
-
-void ServerLink::check_writer(Exchange& exchange)
-{
-    dds_publication_matched_status_t status{};
-    dds_get_publication_matched_status(exchange.request_writer.get(), &status);
-    exchange.writer_matched = status.current_count > 0;
-    on_match_change();
-}
-
-void ServerLink::check_reader(Exchange& exchange)
-{
-    dds_subscription_matched_status_t status{};
-    dds_get_subscription_matched_status(exchange.reply_reader.get(), &status);
-    exchange.reader_matched = status.current_count > 0;
-    on_match_change();
-}
-
-void ServerLink::on_match_change()
-{
-    const bool matched = std::all_of(m_exchanges.begin(), m_exchanges.end(), [](const Exchange& exchange) {
-        return exchange.writer_matched && exchange.reader_matched;
-    });
-    if (matched == m_matched)
-        return;
-    m_matched = matched;
-    m_greeting_due = matched ? Clock::now() + greeting_delay : Clock::time_point::max();
-    m_pulse_due = matched ? Clock::now() + m_longest_silence / pulses_in_a_silence : Clock::time_point::max();
-    m_silent = false;
-    for (Exchange& exchange : m_exchanges)
-        exchange.greeted = false;
-    update_connected();
-}
-
-void ServerLink::send_due_greetings(Clock::time_point now)
-{
-    if (now < m_greeting_due)
-        return;
-    m_greeting_due = Clock::time_point::max();
-    for (const Exchange& exchange : m_exchanges)
-        send_greeting(exchange.request_writer.get(), *exchange.operation->request_type, m_path);
-}
-
-// Acknowledgements come from Cyclone itself, however long the server's implementation takes. When nothing is
-// due one, a greeting is sent to have something.
-void ServerLink::feel_due_pulse(Clock::time_point now)
-{
-    if (now < m_pulse_due)
-        return;
-    if (settled()) {
-        m_last_sign = now;
-        if (!m_silent)
-            send_greeting(m_exchanges[0].request_writer.get(), *m_exchanges[0].operation->request_type,
-                          m_path);
-    } else if (!m_silent && now - m_last_sign > m_longest_silence && acknowledges_soon()) {
-        m_last_sign = now;
+    check_match(now);
+    if (now >= m_next_hello) {
+        say_hello();
+        m_next_hello = now + with_jitter(m_hello_pause);
+        m_hello_pause = std::min<Clock::duration>(2 * m_hello_pause, longest_hello_pause);
     }
-    const bool silent = now - m_last_sign > m_longest_silence;
-    m_pulse_due = now + (silent ? silent_pulse : m_longest_silence / pulses_in_a_silence);
-    if (silent == m_silent)
+    check_silence(now);
+    m_last_tended = now;
+}
+
+// Others may read along in all partitions; their coming and going is none of the session's business.
+void ServerLink::check_match(Clock::time_point now)
+{
+    if (!m_match_changed.exchange(false))
         return;
-    m_silent = silent;
-    update_connected();
+    const bool has_changed = m_reader_has_changed.exchange(false);
+    const dds_instance_handle_t reader = matched_reader();
+    if (reader == m_reader && !has_changed)
+        return;
+    m_reader = reader;
+    end_session("it has gone, or its host cannot be reached");
+    m_next_hello = Clock::time_point::max();
+    if (reader != 0)
+        begin_meeting(now);
 }
 
-// Other than settled(), whatever is written meanwhile.
-bool ServerLink::acknowledges_soon() const
+dds_instance_handle_t ServerLink::matched_reader() const
 {
-    const auto deadline = Clock::now() + soon;
-    return std::all_of(m_exchanges.begin(), m_exchanges.end(), [deadline](const Exchange& exchange) {
-        const std::chrono::nanoseconds rest = deadline - Clock::now();
-        return dds_wait_for_acks(exchange.request_writer.get(), std::max(rest.count(), std::int64_t{0})) !=
-               DDS_RETCODE_TIMEOUT;
-    });
+    for (const dds_instance_handle_t reader : matched_readers(m_writer->get())) {
+        const MatchedEndpoint endpoint(dds_get_matched_subscription_data(m_writer->get(), reader));
+        if (endpoint != nullptr && path_of(*endpoint->qos) == m_server.path)
+            return reader;
+    }
+    return 0;
 }
 
-void ServerLink::on_greeting(Exchange& exchange)
+void ServerLink::begin_meeting(Clock::time_point now)
 {
-    exchange.greeted = true;
-    update_connected();
+    m_meeting = make_session_id();
+    m_hello_pause = first_hello_pause;
+    m_next_hello = now;
 }
 
-void ServerLink::update_connected()
+void ServerLink::say_hello()
 {
-    const bool connected = m_matched && !m_silent &&
-                           std::all_of(m_exchanges.begin(), m_exchanges.end(),
-                                       [](const Exchange& exchange) { return exchange.greeted; });
-    if (m_connected.exchange(connected, std::memory_order_acq_rel) != connected)
-        m_on_change();
+    const OwnDefinition definition(m_interface);
+    DDS_RMI_Introduction introduction{};
+    auto& service = introduction.parties.service_id;
+    service.server_class = const_cast<char*>(m_interface.server_class);
+    service.server_impl = c_string(m_names.service);
+    service.server_instance = m_server.announcement.instance;
+    introduction.parties.client_id.client_impl = c_string(m_names.proxy);
+    introduction.parties.client_id.client_instance = m_names.proxy_instance;
+    introduction.interface_known = definition.message();
+    const DDS_RMI_Request hello = make_hello(m_meeting, introduction);
+    dds_write(m_writer->get(), &hello);
+}
+
+bool ServerLink::take_in(const DDS_RMI_Reply& reply)
+{
+    const auto kind = static_cast<ReplyKind>(reply.kind);
+    if (kind == ReplyKind::welcome || kind == ReplyKind::second_choice) {
+        if (reply.number != m_meeting)
+            return false;
+        on_welcome(reply);
+        return true;
+    }
+    if (m_session == nullptr || reply.session != m_session->id())
+        return false;
+    if (kind == ReplyKind::forgotten) {
+        end_session("its server has forgotten this client");
+        begin_meeting(Clock::now());
+        return true;
+    }
+    if (!is_known(kind))
+        return false;
+    m_last_heard = Clock::now();
+    m_silent = false;
+    m_session->grant({reply.granted_requests, reply.granted_bytes});
+    return true;
+}
+
+void ServerLink::on_welcome(const DDS_RMI_Reply& reply)
+{
+    m_last_heard = Clock::now();
+    m_second_choice = static_cast<ReplyKind>(reply.kind) == ReplyKind::second_choice;
+    if (m_session != nullptr && m_session->id() == reply.session)
+        return; // an answer to another hello of the same meeting
+    end_session("its server has begun another session");
+    compare_interfaces(reply);
+    m_next_hello = Clock::time_point::max();
+    m_next_ping = m_last_heard + with_jitter(m_lease / pings_in_a_lease);
+    m_session = std::make_shared<ClientSession>(
+        m_writer, reply.session, ClientSession::Grant{reply.granted_requests, reply.granted_bytes});
+}
+
+void ServerLink::compare_interfaces(const DDS_RMI_Reply& welcome)
+{
+    if (welcome.about_sender._length == 0)
+        return;
+    auto differences = compare(m_interface, welcome.about_sender._buffer[0].interface_known);
+    m_known_operations = std::move(differences.in_common);
+    if (differences.missing.empty() || std::exchange(m_differences_reported, true))
+        return;
+    std::string list;
+    for (const std::string& signature : differences.missing)
+        list += (list.empty() ? "" : ", ") + signature;
+    report(m_name + " has another version of the interface " + m_interface.server_class +
+           " than this process; calls of these operations fail: " + list);
+}
+
+void ServerLink::check_silence(Clock::time_point now)
+{
+    // What this process has slept through, stopped or busy in a reply hook, is not the server's silence.
+    if (now - m_last_tended > m_lease / 2)
+        m_last_heard += now - m_last_tended;
+    if (m_session == nullptr || now < m_next_ping)
+        return;
+    m_silent = now - m_last_heard > m_lease;
+    m_session->ping();
+    m_next_ping = now + with_jitter(m_silent ? Clock::duration(ping_pause_of_the_silent)
+                                             : Clock::duration(m_lease / pings_in_a_lease));
+}
+
+void ServerLink::end_session(const std::string& why)
+{
+    if (m_session == nullptr)
+        return;
+    m_losses.push_back({m_session->end(), m_name + ": " + why});
+    m_session = nullptr;
+    m_silent = false;
+    m_next_ping = Clock::time_point::max();
+}
+
+std::vector<ServerLink::Loss> ServerLink::take_losses()
+{
+    return std::exchange(m_losses, {});
 }
 
 } // namespace org::opensplice::DDS_RMI

@@ -2,102 +2,119 @@
 #ifndef DDSRMI_CLIENT_SERVER_LINK_H
 #define DDSRMI_CLIENT_SERVER_LINK_H
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdint>
-#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "client/service_watch.h"
+#include "client/client_session.h"
+#include "clock.h"
 #include "dds/entity.h"
-#include "dds/event_loop.h"
+#include "dds/entity_listener.h"
+#include "dds/partitioned.h"
+#include "dds/signal.h"
 #include "ddsrmi/interface_info.h"
+#include "discovery/service_watch.h"
+
+struct DDS_RMI_Reply;
 
 namespace org::opensplice::DDS_RMI {
 
-/// One proxy's endpoints towards one server: for each operation a request writer in the server's partition
-/// and a reply reader in a partition of the link's own. Nothing that happens to another server or another
-/// proxy shows here.
+/// Who a proxy is and whom it talks to.
+struct ProxyNames
+{
+    std::string service;
+    std::string proxy;
+    DDS::Long proxy_instance;
+};
+
+/// One proxy's way to one server: a request writer in the server's partition, and the session that the two
+/// have.
+///
+/// A session is begun when the writer has matched the server's reader: `hello` is repeated until `welcome`
+/// comes. It ends when one side says, or notices, that it has forgotten the other; then the next one is
+/// begun. Four times in a lease the server is asked whether it is there; when nothing is heard of it for a
+/// lease it is silent.
+///
+/// All but the session belongs to the channel's thread.
 class ServerLink
 {
 public:
-    using Clock = std::chrono::steady_clock;
-    using OnReply = std::function<void(std::size_t operation, const void* sample)>;
+    /// The last requests of a session that has ended, and why it has.
+    struct Loss
+    {
+        std::vector<OutstandingRequest> requests;
+        std::string why;
+    };
 
-    ServerLink(const Entity& participant, const InterfaceInfo& interface_info, const Announcement& server,
-               std::chrono::nanoseconds blocking_time);
+    ServerLink(const Entity& participant, const InterfaceInfo& interface_info, const ProxyNames& names,
+               const std::string& reply_path, const Server& server, std::shared_ptr<Signal> signal);
     ~ServerLink();
     ServerLink(const ServerLink&) = delete;
     ServerLink& operator=(const ServerLink&) = delete;
 
-    /// Begins to follow the endpoints. In the loop's thread, `on_reply` is called for every reply that comes,
-    /// `on_change` when connected() may have changed.
-    void attach(EventLoop& loop, const OnReply& on_reply, const std::function<void()>& on_change);
+    const Server& server() const { return m_server; }
 
-    /// When tend() is to be called next. Both are for the loop's thread.
-    Clock::time_point care_due() const { return std::min(m_greeting_due, m_pulse_due); }
-    /// Sends greetings, and finds out whether the server still acknowledges what it is sent.
+    /// When tend() is to be called next, unless the signal is raised before.
+    Clock::time_point care_due() const;
+    /// Notices what has become of the match, says hello, and asks whether the server is there.
     void tend(Clock::time_point now);
 
-    /// Different for every link of the process.
-    std::uint64_t number() const { return m_number; }
-    const Announcement& server() const { return m_server; }
+    /// Whether it is this link's server that speaks; takes in what it says of the session.
+    bool take_in(const DDS_RMI_Reply& reply);
 
-    /// Whether every operation's request writer and reply reader have their counterparts at the server,
-    /// greetings have passed between them, and the server is not silent. Any thread.
-    bool connected() const { return m_connected.load(std::memory_order_acquire); }
+    /// Null before the first session.
+    const std::shared_ptr<ClientSession>& session() const { return m_session; }
+    /// Whether there is a session and the server is not silent.
+    bool connected() const { return m_session != nullptr && !m_silent; }
+    /// Whether the server has said that a newer one of its service and instance is about.
+    bool is_second_choice() const { return m_second_choice; }
+    /// For each operation of the interface whether the server has it, with the same types.
+    bool knows(std::size_t operation) const { return m_known_operations[operation]; }
+    const std::vector<bool>& known_operations() const { return m_known_operations; }
 
-    /// Whether the server has acknowledged all that was written, or has gone. Only then is the link destroyed
-    /// at once; else that takes up to a second, which Cyclone gives writers for their acknowledgements.
-    bool settled() const;
+    /// What the ends of sessions have left since the last call.
+    std::vector<Loss> take_losses();
 
-    /// A Cyclone return code. Any thread.
-    dds_return_t write(std::size_t operation, const void* request) const;
+    /// Ends the session, if there is one.
+    void end_session(const std::string& why);
 
 private:
-    struct Exchange
-    {
-        const OperationInfo* operation = nullptr;
-        Entity request_topic;
-        Entity request_writer;
-        bool writer_matched = false;
-        Entity reply_topic;
-        Entity reply_reader;
-        bool reader_matched = false;
-        bool greeted = false; ///< by the server, since all is matched
-    };
+    void check_match(Clock::time_point now);
+    dds_instance_handle_t matched_reader() const;
+    void begin_meeting(Clock::time_point now);
+    void say_hello();
+    void on_welcome(const DDS_RMI_Reply& reply);
+    void compare_interfaces(const DDS_RMI_Reply& welcome);
+    void check_silence(Clock::time_point now);
 
-    static bool is_acknowledged(const Exchange& exchange);
-    Exchange make_exchange(const Entity& participant, const OperationInfo& operation,
-                           std::chrono::nanoseconds blocking_time) const;
-    void on_reader_event(std::size_t operation);
-    void check_writer(Exchange& exchange);
-    void check_reader(Exchange& exchange);
-    void on_match_change();
-    void send_due_greetings(Clock::time_point now);
-    void feel_due_pulse(Clock::time_point now);
-    bool acknowledges_soon() const;
-    void on_greeting(Exchange& exchange);
-    void update_connected();
+    const InterfaceInfo& m_interface;
+    const ProxyNames& m_names;
+    const Server m_server;
+    const std::string m_name; ///< of the server, for messages
+    const std::chrono::nanoseconds m_lease;
 
-    const std::uint64_t m_number;
-    const Announcement m_server;
-    const std::string m_path;
-    Entity m_publisher;
-    Entity m_subscriber;
-    std::vector<Exchange> m_exchanges;                           // their flags belong to the loop's thread
-    Clock::time_point m_greeting_due = Clock::time_point::max(); // belongs to the loop's thread
-    bool m_matched = false; // belongs to the loop's thread; whether every exchange is
-    const std::chrono::nanoseconds m_longest_silence;
-    bool m_silent = false;                                    // belongs to the loop's thread
-    Clock::time_point m_last_sign = Clock::now();             // of the server; belongs to the loop's thread
-    Clock::time_point m_pulse_due = Clock::time_point::max(); // belongs to the loop's thread
-    std::atomic<bool> m_connected{false};
-    OnReply m_on_reply;
-    std::function<void()> m_on_change;
-    std::vector<EventLoop::Attachment> m_attachments; // last, so that nothing is followed once it goes
+    std::unique_ptr<EntityListener> m_listener;
+    std::shared_ptr<const Partitioned> m_writer;
+
+    std::uint64_t m_meeting = 0; // its number
+    std::shared_ptr<ClientSession> m_session;
+    std::vector<bool> m_known_operations;
+    std::vector<Loss> m_losses;
+
+    Clock::time_point m_last_tended{};
+    Clock::time_point m_last_heard{};
+    Clock::duration m_hello_pause{};
+    Clock::time_point m_next_hello = Clock::time_point::max();
+    Clock::time_point m_next_ping = Clock::time_point::max();
+
+    std::atomic<dds_instance_handle_t> m_reader{0}; // of the server, while it is matched
+    std::atomic<bool> m_match_changed{true};
+    std::atomic<bool> m_reader_has_changed{false};
+    bool m_silent = false;
+    bool m_second_choice = false;
+    bool m_differences_reported = false;
 };
 
 } // namespace org::opensplice::DDS_RMI

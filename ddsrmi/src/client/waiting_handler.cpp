@@ -3,39 +3,74 @@
 
 #include <utility>
 
+#include "ddsrmi/exceptions.h"
+
 namespace org::opensplice::DDS_RMI {
 
-void ReplyOutcome::settle(State state)
+namespace {
+
+[[noreturn]] void throw_failure(CallFailure reason, const std::string& text)
+{
+    switch (reason) {
+    case CallFailure::implementation_failed:
+        throw INTERNAL_ERROR(text.c_str());
+    case CallFailure::unknown_operation:
+        throw BAD_PARAM(text.c_str());
+    case CallFailure::server_lost:
+        throw SERVICE_NOT_FOUND(text);
+    case CallFailure::given_up:
+        throw TIMEOUT(text);
+    case CallFailure::closed:
+        break;
+    }
+    throw BAD_INV_ORDER(text.c_str());
+}
+
+} // namespace
+
+void CallOutcome::reply()
 {
     {
         const std::lock_guard lock(m_mutex);
-        if (m_state == State::waiting)
-            m_state = state;
+        m_replied = true;
     }
     m_settled.notify_all();
 }
 
-ReplyOutcome::State ReplyOutcome::wait()
+void CallOutcome::fail(CallFailure reason, const char* text)
 {
-    std::unique_lock lock(m_mutex);
-    m_settled.wait(lock, [this] { return m_state != State::waiting; });
-    return m_state;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_failure = reason;
+        m_text = text;
+    }
+    m_settled.notify_all();
 }
 
-WaitingHandler::WaitingHandler(const Handler& inner, std::shared_ptr<ReplyOutcome> outcome)
+void CallOutcome::wait()
+{
+    std::unique_lock lock(m_mutex);
+    m_settled.wait(lock, [this] { return m_replied || m_failure; });
+    if (!m_replied)
+        throw_failure(*m_failure, m_text);
+}
+
+WaitingHandler::WaitingHandler(const Handler& inner, std::shared_ptr<CallOutcome> outcome)
     : m_inner(inner), m_outcome(std::move(outcome))
 {
 }
 
-WaitingHandler::~WaitingHandler()
-{
-    m_outcome->settle(ReplyOutcome::State::given_up);
-}
+WaitingHandler::~WaitingHandler() = default;
 
 void WaitingHandler::handleReply(DDS::ReadCondition* condition)
 {
     m_inner->handleReply(condition);
-    m_outcome->settle(ReplyOutcome::State::replied);
+    m_outcome->reply();
+}
+
+void WaitingHandler::handleFailure(CallFailure reason, const char* text)
+{
+    m_outcome->fail(reason, text);
 }
 
 } // namespace org::opensplice::DDS_RMI

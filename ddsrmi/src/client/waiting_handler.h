@@ -5,40 +5,44 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
 
 #include "client/outstanding_requests.h"
+#include "ddsrmi/call_failure.h"
 
 namespace org::opensplice::DDS_RMI {
 
-/// How a request ended that a thread waits for.
-class ReplyOutcome
+/// How a call ends that a thread waits for.
+class CallOutcome
 {
 public:
-    enum class State { waiting, replied, given_up };
-
-    /// Only the first call counts.
-    void settle(State state);
-    State wait();
+    void reply();
+    void fail(CallFailure reason, const char* text);
+    /// Throws the exception that says why there is no reply.
+    void wait();
 
 private:
     std::mutex m_mutex;
     std::condition_variable m_settled;
-    State m_state = State::waiting; // guarded by m_mutex
+    bool m_replied = false;               // guarded by m_mutex
+    std::optional<CallFailure> m_failure; // guarded by m_mutex
+    std::string m_text;                   // guarded by m_mutex
 };
 
-/// Passes the reply on to another handler and tells the outcome; being released without a reply means that
-/// the request was given up.
-class WaitingHandler final : public CAsyncReplyHandlerImpl
+/// Passes the reply on to another handler and tells the outcome.
+class WaitingHandler final : public CAsyncReplyHandlerImpl, public CallFailureHandler
 {
 public:
-    WaitingHandler(const Handler& inner, std::shared_ptr<ReplyOutcome> outcome);
+    WaitingHandler(const Handler& inner, std::shared_ptr<CallOutcome> outcome);
     ~WaitingHandler() override;
 
     void handleReply(DDS::ReadCondition* condition) override;
+    void handleFailure(CallFailure reason, const char* text) override;
 
 private:
     const Handler m_inner;
-    const std::shared_ptr<ReplyOutcome> m_outcome;
+    const std::shared_ptr<CallOutcome> m_outcome;
 };
 
 } // namespace org::opensplice::DDS_RMI

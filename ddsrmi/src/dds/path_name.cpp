@@ -1,9 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dds/path_name.h"
 
+#include <algorithm>
 #include <atomic>
 
 namespace org::opensplice::DDS_RMI {
+
+namespace {
+
+constexpr std::size_t longest_name = 80;
+
+} // namespace
 
 std::string make_path_name(const Entity& participant)
 {
@@ -18,6 +25,16 @@ std::string make_path_name(const Entity& participant)
         name += digits[byte & 0xfU];
     }
     return name + '-' + std::to_string(++last_number);
+}
+
+bool is_path_name(std::string_view name)
+{
+    const auto is_path_character = [](char character) {
+        return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
+               character == '-';
+    };
+    return !name.empty() && name.size() <= longest_name &&
+           std::all_of(name.begin(), name.end(), is_path_character);
 }
 
 } // namespace org::opensplice::DDS_RMI

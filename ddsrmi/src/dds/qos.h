@@ -4,7 +4,6 @@
 
 #include <dds/dds.h>
 
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,19 +20,15 @@ using Qos = std::unique_ptr<dds_qos_t, QosDeleter>;
 Qos partition_qos(const std::string& partition);
 
 /// For the readers and writers that carry requests and replies: reliable, and every sample is kept until it
-/// has been taken. A writer whose queue is full blocks for `blocking_time`.
-Qos exchange_qos(std::chrono::nanoseconds blocking_time);
+/// has been taken. A writer whose queue is full refuses.
+Qos exchange_qos();
 
-/// For announcements; durable ones reach readers that come later.
-Qos announcement_qos(bool durable);
+/// A text that travels with an endpoint to those that discover it.
+void set_user_data(Qos& qos, const std::string& text);
+std::string user_data(const dds_qos_t& qos);
 
-/// A name that travels with an endpoint to those that discover it.
-void set_path_name(Qos& qos, const std::string& name);
-/// The path name of a discovered endpoint; nothing when it has none that set_path_name could have set.
-std::optional<std::string> path_name(const dds_qos_t& qos);
-
-/// Whether an endpoint with this QoS is in the partition of exactly that name.
-bool in_partition(const dds_qos_t& qos, const std::string& partition);
+/// The one partition of a discovered endpoint; nothing when that is no path name.
+std::optional<std::string> path_of(const dds_qos_t& qos);
 
 } // namespace org::opensplice::DDS_RMI
 

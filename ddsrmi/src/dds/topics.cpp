@@ -5,20 +5,24 @@
 
 namespace org::opensplice::DDS_RMI {
 
-Entity create_topic(const Entity& participant, const dds_topic_descriptor_t& type, const std::string& name)
+namespace {
+
+Entity create_topic(const Entity& participant, const dds_topic_descriptor_t& type, const char* name)
 {
-    return Entity(dds_create_topic(participant.get(), &type, name.c_str(), nullptr, nullptr),
-                  "cannot create the topic " + name);
+    return Entity(dds_create_topic(participant.get(), &type, name, nullptr, nullptr),
+                  std::string("cannot create the topic ") + name);
 }
 
-Entity create_identification_topic(const Entity& participant)
+} // namespace
+
+Entity create_request_topic(const Entity& participant, const InterfaceInfo& interface_info)
 {
-    return create_topic(participant, DDS_RMI_Identification_desc, "DDS_ServiceIdentification");
+    return create_topic(participant, DDS_RMI_Request_desc, interface_info.request_topic);
 }
 
-Entity create_definition_topic(const Entity& participant)
+Entity create_reply_topic(const Entity& participant, const InterfaceInfo& interface_info)
 {
-    return create_topic(participant, DDS_RMI_Definition_desc, "DDS_ServiceDefinition");
+    return create_topic(participant, DDS_RMI_Reply_desc, interface_info.reply_topic);
 }
 
 } // namespace org::opensplice::DDS_RMI

@@ -5,19 +5,29 @@
 
 namespace org::opensplice::DDS_RMI {
 
-RequestSample::RequestSample(const dds_topic_descriptor_t& type)
-    : m_type(type), m_data(std::memset(dds_alloc(type.m_size), 0, type.m_size))
+RequestSample::RequestSample()
+    : m_request(static_cast<DDS_RMI_Request*>(
+          std::memset(dds_alloc(sizeof(DDS_RMI_Request)), 0, sizeof(DDS_RMI_Request))))
 {
 }
 
 RequestSample::~RequestSample()
 {
-    dds_sample_free(m_data, &m_type, DDS_FREE_ALL);
+    dds_sample_free(m_request, &DDS_RMI_Request_desc, DDS_FREE_ALL);
+}
+
+void RequestSample::drop_arguments()
+{
+    auto& arguments = m_request->arguments;
+    if (arguments._release)
+        dds_free(arguments._buffer);
+    arguments = {};
 }
 
 bool RequestSample::take(dds_entity_t reader)
 {
-    return dds_take(reader, &m_data, &m_info, 1, 1) > 0;
+    void* sample = m_request;
+    return dds_take(reader, &sample, &m_info, 1, 1) > 0;
 }
 
 } // namespace org::opensplice::DDS_RMI

@@ -4,26 +4,32 @@
 
 #include <dds/dds.h>
 
+#include "dds_rmi.h"
+
 namespace org::opensplice::DDS_RMI {
 
-/// A request in memory of its own, so that it can wait for a thread.
+/// A message of a client in memory of its own, so that it can wait for a thread.
 class RequestSample
 {
 public:
-    explicit RequestSample(const dds_topic_descriptor_t& type);
+    RequestSample();
     ~RequestSample();
     RequestSample(const RequestSample&) = delete;
     RequestSample& operator=(const RequestSample&) = delete;
 
-    /// Takes one sample out of a reader of the type; false when there is none.
+    /// Takes one sample out of a reader of requests; false when there is none.
     bool take(dds_entity_t reader);
 
-    const void* data() const { return m_data; }
-    const dds_sample_info_t& info() const { return m_info; }
+    /// Frees the arguments of what is not going to be run.
+    void drop_arguments();
+
+    /// Not const: texts among the arguments are handed out where they are.
+    DDS_RMI_Request& request() { return *m_request; }
+    dds_instance_handle_t writer() const { return m_info.publication_handle; }
+    bool is_valid() const { return m_info.valid_data; }
 
 private:
-    const dds_topic_descriptor_t& m_type;
-    void* m_data;
+    DDS_RMI_Request* m_request;
     dds_sample_info_t m_info{};
 };
 

@@ -2,49 +2,69 @@
 #include "server/request_team.h"
 
 #include <algorithm>
-#include <functional>
-#include <iterator>
-#include <limits>
+#include <condition_variable>
 #include <map>
-#include <optional>
+#include <mutex>
 #include <utility>
 
 #include "report.h"
 
 namespace org::opensplice::DDS_RMI {
 
+RequestQueue::~RequestQueue() = default;
+
 // Shared by the threads, so that one which outlives the team object still has it.
 class RequestTeam::Crew
 {
 public:
-    explicit Crew(std::shared_ptr<Entity> participant)
-        : m_participant(std::move(participant)), m_arrivals(*m_participant)
+    void add(const Queue& queue, QueuedRequest request)
     {
+        bool has_work = false;
+        {
+            const std::lock_guard lock(m_mutex);
+            queue->m_waiting.push_back(std::move(request));
+            has_work = put_in_line(queue) && m_idle > 0;
+        }
+        if (has_work)
+            m_work.notify_one();
     }
 
-    EventLoop& arrivals() { return m_arrivals; }
+    void pause(const Queue& queue, bool paused)
+    {
+        bool has_work = false;
+        {
+            const std::lock_guard lock(m_mutex);
+            queue->m_paused = paused;
+            has_work = put_in_line(queue);
+        }
+        if (has_work)
+            m_work.notify_one();
+    }
 
-    void arrived(Job job)
+    std::deque<QueuedRequest> drop(const Queue& queue)
     {
         const std::lock_guard lock(m_mutex);
-        m_arrived.push_back(std::move(job));
+        return std::exchange(queue->m_waiting, {});
     }
 
     void work()
     {
-        while (std::optional<Job> job = next()) {
-            run(*job);
-            job->work = nullptr; // what it holds goes before it is reported done
+        Queue queue;
+        QueuedRequest request;
+        while (next(queue, request)) {
+            run(*queue, std::move(request));
+            queue.reset(); // what it holds goes before it is reported done
             finish();
         }
     }
 
     void forget(const void* owner)
     {
-        Jobs dropped; // outlives the lock
+        std::deque<std::deque<QueuedRequest>> dropped; // outlives the lock
         std::unique_lock lock(m_mutex);
-        for (Jobs* jobs : {&m_jobs, &m_held, &m_arrived})
-            move_if(*jobs, dropped, [owner](const Job& job) { return job.owner == owner; });
+        for (const Queue& queue : m_line)
+            if (queue->m_owner == owner)
+                dropped.push_back(std::exchange(queue->m_waiting, {}));
         m_finished.wait(lock, [&] { return !runs_elsewhere(owner); });
     }
 
@@ -54,100 +74,55 @@ public:
             const std::lock_guard lock(m_mutex);
             m_ending = true;
         }
-        m_arrivals.wake();
         m_work.notify_all();
     }
 
 private:
-    using Jobs = std::deque<Job>;
-
-    template <class Predicate>
-    static void move_if(Jobs& from, Jobs& to, Predicate predicate)
+    // Whether there is something more for a thread to do.
+    bool put_in_line(const Queue& queue)
     {
-        const auto moved = std::stable_partition(from.begin(), from.end(), std::not_fn(predicate));
-        std::move(moved, from.end(), std::back_inserter(to));
-        from.erase(moved, from.end());
+        if (queue->m_in_line || queue->m_paused || queue->m_waiting.empty())
+            return false;
+        queue->m_in_line = true;
+        m_line.push_back(queue);
+        return true;
     }
 
-    std::optional<Job> next()
+    bool next(Queue& queue, QueuedRequest& request)
     {
         std::unique_lock lock(m_mutex);
         while (!m_ending) {
-            if (!m_jobs.empty())
-                return begin_first();
-            if (m_someone_waits_for_arrivals)
-                wait_for_work(lock);
-            else
-                wait_for_arrivals(lock);
+            if (m_line.empty()) {
+                ++m_idle;
+                m_work.wait(lock, [this] { return m_ending || !m_line.empty(); });
+                --m_idle;
+                continue;
+            }
+            queue = std::move(m_line.front());
+            m_line.pop_front();
+            queue->m_in_line = false;
+            if (begin_first_of(queue, request))
+                return true;
         }
-        return std::nullopt;
+        return false;
     }
 
-    void wait_for_work(std::unique_lock<std::mutex>& lock)
+    bool begin_first_of(const Queue& queue, QueuedRequest& request)
     {
-        ++m_idle;
-        m_work.wait(lock);
-        --m_idle;
-    }
-
-    Job begin_first()
-    {
-        Job job = std::move(m_jobs.front());
-        m_jobs.pop_front();
-        m_running[std::this_thread::get_id()] = job.owner;
-        return job;
-    }
-
-    // A request that was sent earlier than one that is here has arrived too, but perhaps after its reader had
-    // been looked at. So what the last look has found is held until there has been one more.
-    void wait_for_arrivals(std::unique_lock<std::mutex>& lock)
-    {
-        m_someone_waits_for_arrivals = true;
-        if (m_held.empty()) {
-            unlocked(lock, [this] { m_arrivals.dispatch(std::chrono::nanoseconds::max()); });
-            m_held.swap(m_arrived);
-        }
-        if (!m_held.empty())
-            unlocked(lock, [this] { m_arrivals.dispatch_arrivals(); });
-        m_someone_waits_for_arrivals = false;
-        const std::size_t new_jobs = release_held();
-        // This thread takes the first job; each other one, and the waiting, is for somebody else.
-        for (std::size_t i = 0; i < std::min(new_jobs, m_idle) || i == 0; ++i)
+        if (queue->m_paused || queue->m_waiting.empty())
+            return false;
+        request = std::move(queue->m_waiting.front());
+        queue->m_waiting.pop_front();
+        m_running[std::this_thread::get_id()] = queue->m_owner;
+        if (put_in_line(queue) && m_idle > 0)
             m_work.notify_one();
+        return true;
     }
 
-    template <class TakeIn>
-    static void unlocked(std::unique_lock<std::mutex>& lock, TakeIn take_in)
-    {
-        lock.unlock();
-        try {
-            take_in();
-        } catch (...) {
-            report_current_exception("taking requests in");
-        }
-        lock.lock();
-    }
-
-    // Makes jobs of what was held and of what was sent before that; holds the rest. Gives how many there are.
-    std::size_t release_held()
-    {
-        dds_time_t last_held = std::numeric_limits<dds_time_t>::min();
-        for (const Job& job : m_held)
-            last_held = std::max(last_held, job.sent);
-        move_if(m_arrived, m_held, [last_held](const Job& job) { return job.sent < last_held; });
-        std::stable_sort(m_held.begin(), m_held.end(),
-                         [](const Job& one, const Job& other) { return one.sent < other.sent; });
-        const std::size_t released = m_held.size();
-        std::move(m_held.begin(), m_held.end(), std::back_inserter(m_jobs));
-        m_held.swap(m_arrived);
-        m_arrived.clear();
-        return released;
-    }
-
-    static void run(const Job& job)
+    static void run(RequestQueue& queue, QueuedRequest request)
     {
         try {
-            job.work();
+            queue.run(std::move(request));
         } catch (...) {
             report_current_exception("running a request");
         }
@@ -169,23 +144,16 @@ private:
         });
     }
 
-    const std::shared_ptr<Entity> m_participant;
-    EventLoop m_arrivals;
-
-    std::mutex m_mutex; // guards all below
+    std::mutex m_mutex; // guards all below, and what the queues say it does
     std::condition_variable m_work;
     std::condition_variable m_finished;
-    Jobs m_jobs;    // to be run, in this order
-    Jobs m_held;    // await one more look
-    Jobs m_arrived; // found by the last look
+    std::deque<Queue> m_line; // each has something waiting, or had
     std::map<std::thread::id, const void*> m_running;
     std::size_t m_idle = 0;
-    bool m_someone_waits_for_arrivals = false;
     bool m_ending = false;
 };
 
-RequestTeam::RequestTeam(std::shared_ptr<Entity> participant, unsigned size)
-    : m_crew(std::make_shared<Crew>(std::move(participant)))
+RequestTeam::RequestTeam(unsigned size) : m_crew(std::make_shared<Crew>())
 {
     for (unsigned i = 0; i < size; ++i)
         m_threads.emplace_back([crew = m_crew] { crew->work(); });
@@ -202,14 +170,19 @@ RequestTeam::~RequestTeam()
     }
 }
 
-EventLoop& RequestTeam::arrivals()
+void RequestTeam::add(const Queue& queue, QueuedRequest request)
 {
-    return m_crew->arrivals();
+    m_crew->add(queue, std::move(request));
 }
 
-void RequestTeam::arrived(Job job)
+void RequestTeam::pause(const Queue& queue, bool paused)
 {
-    m_crew->arrived(std::move(job));
+    m_crew->pause(queue, paused);
+}
+
+std::deque<QueuedRequest> RequestTeam::drop(const Queue& queue)
+{
+    return m_crew->drop(queue);
 }
 
 void RequestTeam::forget(const void* owner)

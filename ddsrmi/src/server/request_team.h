@@ -2,51 +2,70 @@
 #ifndef DDSRMI_SERVER_REQUEST_TEAM_H
 #define DDSRMI_SERVER_REQUEST_TEAM_H
 
-#include <condition_variable>
 #include <deque>
-#include <functional>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <vector>
 
-#include "dds/entity.h"
-#include "dds/event_loop.h"
+#include "clock.h"
+#include "server/request_sample.h"
 
 namespace org::opensplice::DDS_RMI {
 
-/// The threads that run implementations. One of them at a time waits for requests to arrive; it takes them
-/// in, leaves the waiting to the next and goes on to run what has come, so that with a single thread a
-/// request is run where it was taken.
-///
-/// What has arrived is run in the order in which it was sent, by the senders' clocks: a client's calls of
-/// different operations come on different topics, between which DDS keeps no order.
+/// A request that waits to be run.
+struct QueuedRequest
+{
+    std::unique_ptr<RequestSample> sample;
+    Clock::time_point deadline; ///< after which its caller does not wait any more
+};
+
+/// The requests of one client, in their order. Whose derives from it runs them.
+class RequestQueue
+{
+public:
+    /// `owner` tells apart what RequestTeam::forget() is to forget.
+    explicit RequestQueue(const void* owner) : m_owner(owner) {}
+    virtual ~RequestQueue();
+    RequestQueue(const RequestQueue&) = delete;
+    RequestQueue& operator=(const RequestQueue&) = delete;
+
+    /// Called by the team, on a thread of its own, without a lock.
+    virtual void run(QueuedRequest request) = 0;
+
+private:
+    friend class RequestTeam;
+
+    const void* const m_owner;
+    // What the team's lock guards:
+    std::deque<QueuedRequest> m_waiting;
+    bool m_in_line = false;
+    bool m_paused = false;
+};
+
+/// The threads that run implementations. Clients take turns: of the queues in which something waits, each is
+/// run one request, then the next. A queue's requests are begun in their order. Any thread may call any of
+/// its functions.
 class RequestTeam
 {
 public:
-    /// What is run: `owner` tells whose it is, `sent` when it was sent.
-    struct Job
-    {
-        const void* owner;
-        dds_time_t sent;
-        std::function<void()> work;
-    };
+    using Queue = std::shared_ptr<RequestQueue>;
 
-    RequestTeam(std::shared_ptr<Entity> participant, unsigned size);
-    /// Ends the threads; from one of its own threads, that one ends when its job is done.
+    explicit RequestTeam(unsigned size);
+    /// Ends the threads; from one of its own threads, that one ends when its request is done.
     ~RequestTeam();
     RequestTeam(const RequestTeam&) = delete;
     RequestTeam& operator=(const RequestTeam&) = delete;
 
     std::size_t size() const { return m_threads.size(); }
 
-    /// Where arrivals are waited for, of readers that have been made with an arrival flag of its; actions
-    /// that run there take all that is there and hand it to arrived().
-    EventLoop& arrivals();
-    void arrived(Job job);
+    void add(const Queue& queue, QueuedRequest request);
+    /// Nothing of a paused queue is begun.
+    void pause(const Queue& queue, bool paused);
+    /// Takes out what waits in the queue.
+    std::deque<QueuedRequest> drop(const Queue& queue);
 
-    /// Drops the jobs of `owner` that have not begun and waits until none of them is running (but the one
-    /// that calls this). Its arrivals must have been detached.
+    /// Drops what waits in the queues of `owner`, and waits until nothing of it is running (but what calls
+    /// this).
     void forget(const void* owner);
 
 private:

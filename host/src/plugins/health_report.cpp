@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <vector>
 
+#include <zeb/api/mdw/service_state.h>
+
 #include "plugins/plugin_load.h"
 #include "plugins/plugin_set.h"
 #include "json/json_quote.h"
@@ -24,6 +26,12 @@ std::string to_json(const LoadedPlugin& loaded)
     return R"({"file":)" + quoted_json(plugin.file) + R"(,"bound":)" + (plugin.bound ? "true" : "false") +
            R"(,"methods":)" + std::to_string(plugin.methods) + R"(,"stuck":)" + std::to_string(loaded.stuck) +
            '}';
+}
+
+std::string to_json(const zeb::api::mdw::ServiceState& service)
+{
+    return R"({"name":)" + quoted_json(service.name) + R"(,"reachable":)" +
+           (service.reachable ? "true" : "false") + '}';
 }
 
 std::string to_json(const StreamHealth& stream)
@@ -58,9 +66,14 @@ HealthReport report_health(const PluginSet& plugins, const PluginLoads& loads,
         std::all_of(all.begin(), all.end(), [](const LoadedPlugin& plugin) { return plugin.status.bound; });
     const bool is_stuck =
         std::any_of(all.begin(), all.end(), [](const LoadedPlugin& plugin) { return plugin.stuck != 0; });
-    const char* status = is_stuck ? "stuck" : are_bound ? "ok" : "waiting";
-    return {are_bound && !is_stuck, std::string(R"({"status":")") + status + R"(","plugins":)" +
-                                        to_json(all) + R"(,"streams":)" + to_json(streams) + '}'};
+    const std::vector<zeb::api::mdw::ServiceState> services = zeb::api::mdw::serviceStates();
+    const bool are_reachable =
+        std::all_of(services.begin(), services.end(), [](const auto& service) { return service.reachable; });
+    const bool is_ready = are_bound && are_reachable;
+    const char* status = is_stuck ? "stuck" : is_ready ? "ok" : "waiting";
+    return {is_ready && !is_stuck, std::string(R"({"status":")") + status + R"(","plugins":)" + to_json(all) +
+                                       R"(,"services":)" + to_json(services) + R"(,"streams":)" +
+                                       to_json(streams) + '}'};
 }
 
 } // namespace zorbd

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "recording_proxy.h"
 
-#include "VarnelRMI_topics.h"
+#include <algorithm>
+#include <array>
+#include <tuple>
+#include <vector>
+
+#include "ddsrmi/encoding.h"
 #include "recording.h"
 #include "rmi_layer.h"
 
@@ -40,14 +45,23 @@ std::string line(const ReceivedCall& call)
     return text + ")";
 }
 
-/// Hands `handler` a sample of its reply topic.
-template <class Sample, class Handler>
-std::function<void(DDS::Long)> deliverer(Handler* handler)
+std::array<DDS::Octet, sizeof(DDS::Long)> encoded(DDS::Long result)
+{
+    const Unobserved unobserved;
+    org::opensplice::DDS_RMI::Encoder encoder;
+    encoder.put(result);
+    std::array<DDS::Octet, sizeof(DDS::Long)> bytes{};
+    std::copy(encoder.bytes().begin(), encoder.bytes().end(), bytes.begin());
+    return bytes;
+}
+
+/// Hands `handler` a reply as it would arrive.
+std::function<void(DDS::Long)> deliverer(org::opensplice::DDS_RMI::CAsyncReplyHandlerImpl* handler)
 {
     return [handler](DDS::Long result) {
-        Sample sample = {};
-        sample.result = result;
-        DDS::ReadCondition condition(&sample);
+        auto bytes = encoded(result);
+        const org::opensplice::DDS_RMI::EncodedResult reply{bytes.data(), bytes.size()};
+        DDS::ReadCondition condition(&reply);
         handler->handleReply(&condition);
     };
 }
@@ -62,10 +76,10 @@ void keep_if_text(std::vector<DDS::String>&, Other)
 {
 }
 
-template <class Sample, class Arguments, class Handler>
+template <class Arguments, class Handler>
 ReceivedCall received(const char* operation, const Arguments& arguments, Handler* handler)
 {
-    ReceivedCall call{operation, {}, {}, handler, deliverer<Sample>(handler), {}};
+    ReceivedCall call{operation, {}, {}, handler, deliverer(handler), {}};
     std::apply(
         [&call](auto... argument) {
             (call.arguments.push_back(shown(argument)), ...);
@@ -128,8 +142,7 @@ void RecordingProxy::receive(const ReceivedCall& call)
     void RecordingProxy::async_##op parameters_with_handler                                                  \
     {                                                                                                        \
         const Unobserved unobserved;                                                                         \
-        using Sample = DDS_RMI_VarnelRMI_VarnelRMIService_##op##_reply;                                      \
-        receive(received<Sample>(#op, std::make_tuple arguments, handler));                                  \
+        receive(received(#op, std::make_tuple arguments, handler));                                          \
     }
 FOR_EVERY_OPERATION(RECORDED)
 #undef RECORDED

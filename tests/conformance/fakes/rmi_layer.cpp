@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "ddsrmi/service_state.h"
 #include "recording.h"
 
 namespace conformance {
@@ -210,15 +211,21 @@ CInterfaceProxy_ref CInterfaceRegistry::resolve(const std::string& server, const
     return conformance::rmi_layer().found;
 }
 
+std::vector<ServiceState> service_states()
+{
+    return {};
+}
+
 CInterfaceProxy::CInterfaceProxy(const ProxySeed&) {}
 CInterfaceProxy::~CInterfaceProxy() = default;
 
-void CInterfaceProxy::send_request(std::size_t, void*, CAsyncReplyHandlerImpl*)
+void CInterfaceProxy::send_request(std::size_t, const Encoder&, CAsyncReplyHandlerImpl*)
 {
     throw std::logic_error("an operation that the recording proxy does not take");
 }
 
-void CInterfaceProxy::send_request_and_wait(std::size_t, void*, const shared_ptr<CAsyncReplyHandlerImpl>&)
+void CInterfaceProxy::send_request_and_wait(std::size_t, const Encoder&,
+                                            const shared_ptr<CAsyncReplyHandlerImpl>&)
 {
     throw std::logic_error("an operation that the recording proxy does not take");
 }
