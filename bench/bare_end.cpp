@@ -1,56 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A process that has what a client of the service (or its server) has in DDS, and nothing else: for each
-// operation a request topic and a reply topic with a writer and a reader, and the announcements. It tells how
-// long it took, from making the participant, until all of its endpoints had matched, and stays until its
+// A process that has what a client of the service (or its server) has in DDS, and nothing else: a writer and
+// a reader for the requests and replies, and a reader (or a writer) for the announcement of the service. It
+// tells how long it took, from making the participant, until all of them had matched, and stays until its
 // standard input ends.
 //   bare_end client|server
 // It uses no more of C++ than needs no library.
 
-#include <VarnelRMI_topics.h>
 #include <dds/dds.h>
-#include <dds_rmi.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
 
+#include "raw.h"
+
 namespace {
-
-struct Operation
-{
-    const char* name;
-    const dds_topic_descriptor_t* request;
-    const dds_topic_descriptor_t* reply;
-};
-
-#define OPERATION(name)                                                                                      \
-    {                                                                                                        \
-#name, &DDS_RMI_VarnelRMI_VarnelRMIService_##name##_request_desc,                                    \
-            &DDS_RMI_VarnelRMI_VarnelRMIService_##name##_reply_desc                                          \
-    }
-constexpr Operation operations[] = {OPERATION(network_commission),
-                                    OPERATION(network_decommission),
-                                    OPERATION(network_add_nodes),
-                                    OPERATION(network_remove_nodes),
-                                    OPERATION(advertising),
-                                    OPERATION(network_get_node_list),
-                                    OPERATION(network_get_info),
-                                    OPERATION(node_get_config),
-                                    OPERATION(node_set_config),
-                                    OPERATION(node_get_data),
-                                    OPERATION(network_get_nodes_status),
-                                    OPERATION(node_set_config_revert),
-                                    OPERATION(test_node_create),
-                                    OPERATION(test_node_set_sensor_data)};
-#undef OPERATION
-constexpr int operation_count = sizeof operations / sizeof operations[0];
 
 struct Ends
 {
-    dds_entity_t writers[operation_count + 2];
+    dds_entity_t writers[2];
     int writer_count;
-    dds_entity_t readers[operation_count + 2];
+    dds_entity_t readers[2];
     int reader_count;
 };
 
@@ -64,40 +35,39 @@ dds_qos_t* make_qos(bool durable)
     return qos;
 }
 
-dds_entity_t make_topic(dds_entity_t participant, const dds_topic_descriptor_t* type, const char* suffix,
-                        const char* name)
+dds_entity_t make_topic(dds_entity_t participant, const dds_topic_descriptor_t* type, const char* name)
 {
-    char full_name[100];
-    (void)std::snprintf(full_name, sizeof full_name, "bare_%s_%s", name, suffix);
-    return dds_create_topic(participant, type, full_name, nullptr, nullptr);
+    return dds_create_topic(participant, type, name, nullptr, nullptr);
 }
 
-void add_operations(Ends& ends, dds_entity_t participant, bool client)
+void add_writer(Ends& ends, dds_entity_t participant, dds_entity_t topic, const dds_qos_t* qos)
+{
+    ends.writers[ends.writer_count++] = dds_create_writer(participant, topic, qos, nullptr);
+}
+
+void add_reader(Ends& ends, dds_entity_t participant, dds_entity_t topic, const dds_qos_t* qos)
+{
+    ends.readers[ends.reader_count++] = dds_create_reader(participant, topic, qos, nullptr);
+}
+
+void add_exchange(Ends& ends, dds_entity_t participant, bool client)
 {
     dds_qos_t* const qos = make_qos(false);
-    for (const Operation& operation : operations) {
-        const dds_entity_t request = make_topic(participant, operation.request, "request", operation.name);
-        const dds_entity_t reply = make_topic(participant, operation.reply, "reply", operation.name);
-        ends.readers[ends.reader_count++] =
-            dds_create_reader(participant, client ? reply : request, qos, nullptr);
-        ends.writers[ends.writer_count++] =
-            dds_create_writer(participant, client ? request : reply, qos, nullptr);
-    }
+    const dds_entity_t requests = make_topic(participant, &Raw_Request_desc, "bare_request");
+    const dds_entity_t replies = make_topic(participant, &Raw_Reply_desc, "bare_reply");
+    add_reader(ends, participant, client ? replies : requests, qos);
+    add_writer(ends, participant, client ? requests : replies, qos);
     dds_delete_qos(qos);
 }
 
-void add_announcements(Ends& ends, dds_entity_t participant, bool client)
+void add_announcement(Ends& ends, dds_entity_t participant, bool client)
 {
     dds_qos_t* const qos = make_qos(true);
-    const dds_entity_t services =
-        make_topic(participant, &DDS_RMI_Identification_desc, "announcement", "service");
-    if (client) {
-        ends.readers[ends.reader_count++] = dds_create_reader(participant, services, qos, nullptr);
-    } else {
-        ends.writers[ends.writer_count++] = dds_create_writer(participant, services, qos, nullptr);
-        const dds_entity_t types = make_topic(participant, &DDS_RMI_Definition_desc, "announcement", "type");
-        (void)dds_create_writer(participant, types, qos, nullptr); // which nobody reads
-    }
+    const dds_entity_t services = make_topic(participant, &Raw_Announcement_desc, "bare_announcement");
+    if (client)
+        add_reader(ends, participant, services, qos);
+    else
+        add_writer(ends, participant, services, qos);
     dds_delete_qos(qos);
 }
 
@@ -152,8 +122,8 @@ int main(int argc, char** argv)
     if (participant < 0)
         return 1;
     Ends ends = {};
-    add_announcements(ends, participant, client);
-    add_operations(ends, participant, client);
+    add_announcement(ends, participant, client);
+    add_exchange(ends, participant, client);
     if (!client)
         (void)std::puts("ready");
     (void)std::fflush(stdout);

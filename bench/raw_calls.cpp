@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raw_calls.h"
 
-#include <VarnelRMI_topics.h>
-
 #include "call_texts.h"
+#include "raw.h"
 #include "server_process.h"
 
 namespace bench {
@@ -29,20 +28,9 @@ RawCalls::~RawCalls()
 
 void RawCalls::start()
 {
-    char server_class[] = "VarnelRMI::VarnelRMIService";
-    char server[] = "VarnelDE_Server";
-    char client[] = "VarnelDE_Server_Proxy";
     char mac_addr[] = MAC_ADDR;
     char config[] = CONFIG;
-    DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_request request{};
-    request.req_info.service_id.server_class = server_class;
-    request.req_info.service_id.server_impl = server;
-    request.req_info.service_id.server_instance = 1;
-    request.req_info.client_id.client_impl = client;
-    request.req_info.client_id.client_instance = 1;
-    request.req_info.client_id.request_id = ++m_last_id;
-    request.mac_addr = mac_addr;
-    request.newCfg = config;
+    const Raw_Request request{++m_last_number, mac_addr, config};
     dds_write(m_end.writer(), &request);
 }
 

@@ -25,7 +25,7 @@ private:
     test_support::ChildProcess m_server;
     RawEnd m_end;
     std::atomic<bool> m_stopped{false};
-    unsigned m_last_id = 0;
+    unsigned m_last_number = 0;
     std::thread m_receiver;
 };
 

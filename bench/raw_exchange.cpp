@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raw_exchange.h"
 
-#include <VarnelRMI_topics.h>
-
 #include <stdexcept>
+
+#include "raw.h"
 
 namespace bench {
 
@@ -23,12 +23,12 @@ dds_entity_t topic(dds_entity_t participant, const dds_topic_descriptor_t& type,
 
 dds_entity_t request_topic(dds_entity_t participant)
 {
-    return topic(participant, DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_request_desc, "raw_request");
+    return topic(participant, Raw_Request_desc, "raw_request");
 }
 
 dds_entity_t reply_topic(dds_entity_t participant)
 {
-    return topic(participant, DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_reply_desc, "raw_reply");
+    return topic(participant, Raw_Reply_desc, "raw_reply");
 }
 
 } // namespace

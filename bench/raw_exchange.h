@@ -8,8 +8,8 @@
 
 namespace bench {
 
-/// One end of the operation node_set_config written directly on the Cyclone C API: the same topics, types and
-/// QoS as the RMI layer's, a waitset, and nothing else.
+/// One end of the operation node_set_config written directly on the Cyclone C API at its best: one pair of
+/// topics without keys, reliable, a waitset, and nothing else.
 class RawEnd
 {
 public:

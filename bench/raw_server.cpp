@@ -2,18 +2,14 @@
 
 // Answers raw requests with 0, until its standard input ends.
 
-#include <VarnelRMI_topics.h>
-
 #include <atomic>
 #include <iostream>
 #include <thread>
 
+#include "raw.h"
 #include "raw_exchange.h"
 
 namespace {
-
-using Request = DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_request;
-using Reply = DDS_RMI_VarnelRMI_VarnelRMIService_node_set_config_reply;
 
 void answer_all(const bench::RawEnd& end)
 {
@@ -23,8 +19,7 @@ void answer_all(const bench::RawEnd& end)
     for (dds_return_t i = 0; i < count; ++i) {
         if (!infos[i].valid_data)
             continue;
-        Reply reply{};
-        reply.req_info = static_cast<const Request*>(samples[i])->req_info;
+        const Raw_Reply reply{static_cast<const Raw_Request*>(samples[i])->number, 0};
         dds_write(end.writer(), &reply);
     }
     if (count > 0)
