@@ -6,7 +6,11 @@ import sys
 import time
 
 import trials
-from programs import Failure, Programs
+from outcome import Outcome, Setting
+from programs import Failure, Programs, Unavailable
+
+RESULTS = {True: 'pass', False: 'FAIL', None: 'left out'}
+LEFT_OUT = 77
 
 
 def parse(arguments):
@@ -14,6 +18,7 @@ def parse(arguments):
     parser.add_argument('--bin')
     parser.add_argument('--lib')
     parser.add_argument('--scale', type=float, default=1.0)
+    parser.add_argument('--no-time-limits', action='store_true')
     parser.add_argument('--list', action='store_true')
     parser.add_argument('--check', action='store_true')
     parser.add_argument('trials', nargs='*')
@@ -44,8 +49,10 @@ def run(name, setting):
     try:
         outcome = trial(setting)
     except Failure as failure:
-        outcome = trials.Outcome('', f'broken off: {failure}', False)
-    show_progress(f'{name}: {"passed" if outcome.good else "FAILED"}: {outcome.seen}')
+        outcome = Outcome('', f'broken off: {failure}', False)
+    except Unavailable as obstacle:
+        outcome = Outcome('', f'not possible here: {obstacle}', None)
+    show_progress(f'{name}: {RESULTS[outcome.good]}: {outcome.seen}')
     return outcome, time.monotonic() - start
 
 
@@ -55,7 +62,7 @@ def print_table(results):
     for name, (outcome, seconds) in results.items():
         point, purpose = trials.ALL[name].__doc__.split(':', 1)
         print(f'| {name} | {point} | {outcome.done or purpose.strip()} | {" ".join(outcome.seen.split())} '
-              f'| {seconds:.0f} | {"pass" if outcome.good else "FAIL"} |')
+              f'| {seconds:.0f} | {RESULTS[outcome.good]} |')
 
 
 def main():
@@ -67,10 +74,12 @@ def main():
         return 2
     if options.check:
         return 0
-    setting = trials.Setting(Programs(options.bin, options.lib), options.scale, show_progress)
+    setting = Setting(Programs(options.bin, options.lib), options.scale, not options.no_time_limits, show_progress)
+    setting.programs.lease = setting.silence
     results = {name: run(name, setting) for name in options.trials or trials.ALL}
     print_table(results)
-    return 0 if all(outcome.good for outcome, _ in results.values()) else 1
+    outcomes = {outcome.good for outcome, _ in results.values()}
+    return 1 if False in outcomes else LEFT_OUT if None in outcomes else 0
 
 
 sys.exit(main())

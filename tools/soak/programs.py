@@ -2,6 +2,7 @@
 """The processes that the trials run."""
 
 import collections
+import copy
 import os
 import queue
 import re
@@ -17,15 +18,22 @@ class Failure(Exception):
     """A trial cannot go on."""
 
 
+class Unavailable(Exception):
+    """This machine, or this user, cannot do what a trial needs."""
+
+
 class Program:
     """A child process with its output read line by line. Use it in a with statement: it is killed at the end."""
 
-    def __init__(self, command):
+    def __init__(self, command, prefix=(), environment=None):
+        """The prefix is another program's command that becomes this one."""
         self._command = command
-        self._process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                         stderr=subprocess.PIPE, text=True, bufsize=1)
+        self._process = subprocess.Popen([*prefix, *command], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                         stderr=subprocess.PIPE, text=True, bufsize=1,
+                                         env=environment)
         self._lines = queue.Queue()
         self._errors = collections.deque(maxlen=50)  # the last lines of standard error
+        self._said = collections.deque(maxlen=50)
         self._threads = [threading.Thread(target=self._read_output, daemon=True),
                          threading.Thread(target=self._read_errors, daemon=True)]
         for thread in self._threads:
@@ -54,6 +62,10 @@ class Program:
     def errors(self):
         return '\n'.join(self._errors)
 
+    def said(self):
+        """The last lines of output that a wait has passed over or found."""
+        return list(self._said)
+
     def wait_for(self, text, patience=PATIENCE):
         """The next line of output that contains the text."""
         deadline = time.monotonic() + patience
@@ -64,6 +76,7 @@ class Program:
                 raise Failure(f'{self._name()} did not say "{text}" within {patience} s') from None
             if line is None:
                 raise Failure(f'{self._name()} ended before it said "{text}": {self.errors()}')
+            self._said.append(line)
             if text in line:
                 return line
 
@@ -82,9 +95,13 @@ class Program:
         self._process.kill()
         self._process.wait()
 
+    def close(self):
+        """Its input, at which it ends."""
+        self._process.stdin.close()
+
     def finish(self, patience=PATIENCE):
         """Closes its input and gives its exit code."""
-        self._process.stdin.close()
+        self.close()
         return self.wait(patience)
 
     def wait(self, patience=PATIENCE):
@@ -102,8 +119,15 @@ class Program:
             raise Failure(f'{self._name()} ended with code {code}: {self.errors()}')
 
     def resident_kib(self):
+        return self._memory_kib('VmRSS')
+
+    def most_resident_kib(self):
+        """That it has ever had."""
+        return self._memory_kib('VmHWM')
+
+    def _memory_kib(self, field):
         with open(f'/proc/{self._process.pid}/status', encoding='ascii') as status:
-            return int(re.search(r'VmRSS:\s+(\d+)', status.read()).group(1))
+            return int(re.search(field + r':\s+(\d+)', status.read()).group(1))
 
 
 class Programs:
@@ -111,10 +135,29 @@ class Programs:
 
     def __init__(self, bin_folder, lib_folder):
         self._bin = bin_folder
-        self.plugin = os.path.abspath(os.path.join(lib_folder, 'libdrill_plugin.so'))
+        self._lib = lib_folder
+        self._prefix = []
+        self._environment = {}
+        self.lease = 10  # seconds, Cyclone's own
+
+    def library(self, name):
+        return os.path.abspath(os.path.join(self._lib, f'lib{name}.so'))
+
+    def on(self, host):
+        """Starts them on that host of a network."""
+        return self.having(host.environment, host.prefix)
+
+    def having(self, environment, prefix=()):
+        """Starts them with that in their environment, too."""
+        others = copy.copy(self)
+        others._prefix = [*self._prefix, *prefix]
+        others._environment = {**self._environment, **environment}
+        return others
 
     def start(self, name, *arguments):
-        return Program([os.path.join(self._bin, name), *map(str, arguments)])
+        environment = {**os.environ, **self._environment}
+        environment['CYCLONEDDS_URI'] += f',<Discovery><LeaseDuration>{self.lease}s</LeaseDuration></Discovery>'
+        return Program([os.path.join(self._bin, name), *map(str, arguments)], self._prefix, environment)
 
     def server(self, *arguments):
         """Returns when it serves."""
