@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "VarnelRMI_operations.h"
+#include "fakes/allocation_probe.h"
 #include "framework/parse_json.h"
 #include "generator/slot_of.h"
 #include "handler_fixture.h"
@@ -166,9 +167,19 @@ struct HandlerShape : KX_RPCHandler
     unsigned char is_bound;
 };
 
+/// That nothing has been written to the object behind its last member, where one more might have room.
+template <class Shape, class Member>
+LOOKS_THROUGH_ANOTHER_CLASS void expect_last(const Member& member, const Shape& shape)
+{
+    const auto* const end = reinterpret_cast<const unsigned char*>(&shape + 1);
+    for (const auto* at = reinterpret_cast<const unsigned char*>(&member + 1); at != end; ++at)
+        EXPECT_EQ(*at, garbage) << end - at << " bytes before the end";
+}
+
 LOOKS_THROUGH_ANOTHER_CLASS void expect_shape(const HolderShape& shape, Proxy* proxy,
                                               const std::string& instance)
 {
+    expect_last(shape.instance, shape);
     EXPECT_NE(shape.runtime.get(), nullptr);
     ASSERT_EQ(shape.proxy.get(), proxy);
     ASSERT_EQ(shape.is_found, proxy == nullptr ? 0 : 1);
@@ -203,6 +214,7 @@ LOOKS_THROUGH_ANOTHER_CLASS void expect_shape(const HandlerShape& shape, Proxy* 
     ASSERT_EQ(shape.interface.m_proxy.get(), proxy);
     expect_shape(shape.holder, proxy, instance);
     EXPECT_EQ(shape.is_bound, proxy == nullptr ? 0 : 1);
+    expect_last(shape.is_bound, shape);
 }
 
 TEST_F(ObjectLayout, of_the_handler_is_base_interface_holder_and_flag)

@@ -29,8 +29,6 @@ std::atomic<std::size_t> block_count{0};
 
 thread_local std::size_t allocations_to_failure = 0;
 
-constexpr int garbage = 0xAA;
-
 void note(void* address, Form form)
 {
     const std::lock_guard lock(table_mutex);

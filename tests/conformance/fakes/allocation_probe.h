@@ -11,6 +11,9 @@
 
 namespace conformance {
 
+/// Each byte of that garbage.
+constexpr unsigned char garbage = 0xAA;
+
 /// Lets the nth recorded allocation from now on (1 is the next) throw std::bad_alloc; 0 lets all succeed.
 void fail_allocation(std::size_t nth);
 
