@@ -12,7 +12,7 @@ namespace org::opensplice::DDS_RMI {
 
 namespace {
 
-constexpr std::size_t most_waiting_bytes = std::size_t{16} << 20U;
+constexpr std::uint64_t most_waiting_bytes = std::uint64_t{16} << 20U;
 
 DDS_RMI_Reply message(ReplyKind kind, std::uint64_t session, std::uint64_t number, RoomUsed granted)
 {

@@ -62,7 +62,7 @@ private:
 
     mutable std::mutex m_mutex; // guards all below; Cyclone is called under it, which never waits here
     std::deque<OutgoingReply> m_waiting;
-    std::size_t m_waiting_bytes = 0;
+    std::uint64_t m_waiting_bytes = 0;
 };
 
 } // namespace org::opensplice::DDS_RMI
