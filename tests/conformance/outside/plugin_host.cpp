@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A small host: loads the plug-in and does to it what its standard input says, a command a line. It answers
-// each with a line on standard error that begins with "> ". Its standard output is the plug-in's alone, and
-// what the plug-in sends to the system log comes out on standard error as "syslog <priority> <text>".
+// each with a line on standard error that begins with "answer> ". Its standard output is the plug-in's alone,
+// and what the plug-in sends to the system log comes out on standard error as "syslog <priority> <text>".
 //
 //   timeout <seconds>                  how long lookups wait for the service
 //   load <file>                        load the library
@@ -156,6 +156,7 @@ int make_without(unsigned long allocation, Factory factory)
     } catch (const std::bad_alloc&) {
         return 1;
     } catch (...) {
+        std::cerr << conformance::description(std::current_exception()) << std::endl;
         return 3;
     }
 }
@@ -287,5 +288,5 @@ int main()
 {
     Host host;
     for (std::string command; std::getline(std::cin, command);)
-        std::cerr << "> " + answer_to(host, command) + '\n' << std::flush;
+        std::cerr << "answer> " + answer_to(host, command) + '\n' << std::flush;
 }

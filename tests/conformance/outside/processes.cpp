@@ -62,7 +62,7 @@ Host::Host() : m_process({PLUGIN_HOST})
 std::string Host::run(const std::string& command)
 {
     m_process.write(command + "\n");
-    const std::string mark = "> ";
+    const std::string mark = "answer> ";
     const std::string line = m_process.wait_for_error_line(mark).value_or(mark);
     return line.substr(line.find(mark) + mark.size());
 }

@@ -43,6 +43,8 @@ public:
     std::string output_at_end();
     /// What the plug-in has sent to the system log so far: "<priority> <text>" for each message.
     std::vector<std::string> messages() const;
+    /// All that the host has written to standard error so far.
+    std::string error_output() const { return m_process.error_output(); }
 
 private:
     test_support::ChildProcess m_process;
