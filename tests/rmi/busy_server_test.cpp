@@ -94,6 +94,17 @@ TEST_F(BusyServer, takes_no_more_than_its_limit_and_keeps_all_that_it_has_taken)
     EXPECT_EQ(proxy->echo(7), 7);
 }
 
+TEST_F(BusyServer, is_sent_no_call_that_it_could_never_take)
+{
+    const Server server({"--queue-mib", "4"}); // one for each client
+    const Proxy proxy = find_proxy();
+    const auto tally = std::make_shared<Tally>();
+
+    EXPECT_THROW(call_gated_text(proxy, tally, std::size_t{2} << 20U), rmi::BAD_PARAM);
+
+    EXPECT_EQ(proxy->echo(7), 7);
+}
+
 TEST_F(BusyServer, does_not_run_what_a_dead_client_has_left)
 {
     constexpr DDS::ULong left = 10'000;

@@ -5,6 +5,7 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -92,7 +93,7 @@ std::string ForeignPeer::make_path() const
         std::snprintf(digits.data(), digits.size(), "%02x", byte);
         path += digits.data();
     }
-    return path + "-foreign-" + std::to_string(++last_number);
+    return path + '-' + std::to_string(++last_number);
 }
 
 void write(dds_entity_t writer, const void* sample)
@@ -133,6 +134,7 @@ Introduction::Introduction(const rmi::InterfaceInfo& interface_info, std::string
     known.server_api._buffer = m_signatures.data();
     known.server_api._length = static_cast<std::uint32_t>(m_signatures.size());
     known.server_api._maximum = known.server_api._length;
+    m_introduction.most_bytes = std::numeric_limits<std::uint64_t>::max();
 }
 
 std::uint64_t hash_of(const rmi::InterfaceInfo& interface_info, const std::string& operation)

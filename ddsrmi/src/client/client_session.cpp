@@ -31,14 +31,17 @@ std::uint32_t milliseconds_on_the_wire(std::chrono::milliseconds time)
 
 } // namespace
 
-ClientSession::ClientSession(std::shared_ptr<const Partitioned> request_writer, std::uint64_t id, Grant grant)
-    : m_writer(std::move(request_writer)), m_id(id), m_granted(grant)
+ClientSession::ClientSession(std::shared_ptr<const Partitioned> request_writer, std::uint64_t id, Grant grant,
+                             std::uint64_t most_bytes)
+    : m_writer(std::move(request_writer)), m_id(id), m_most_bytes(most_bytes), m_granted(grant)
 {
 }
 
 ClientSession::Sent ClientSession::send(const Call& call, Clock::time_point patience)
 {
     const std::uint64_t cost = cost_of(call.arguments.size());
+    if (cost > m_most_bytes)
+        return Sent::too_large;
     Lock lock(m_mutex);
     if (!wait_for_room(lock, cost, patience))
         return m_ended ? Sent::ended : Sent::no_room;

@@ -41,10 +41,13 @@ public:
         yes,
         yes_and_due_early, ///< before what plan_wake_up() has said
         no_room,
+        too_large, ///< for this server, ever
         ended,
     };
 
-    ClientSession(std::shared_ptr<const Partitioned> request_writer, std::uint64_t id, Grant grant);
+    /// `most_bytes`: what the server lets a client have waiting at a time.
+    ClientSession(std::shared_ptr<const Partitioned> request_writer, std::uint64_t id, Grant grant,
+                  std::uint64_t most_bytes);
 
     std::uint64_t id() const { return m_id; }
 
@@ -80,6 +83,7 @@ private:
 
     const std::shared_ptr<const Partitioned> m_writer;
     const std::uint64_t m_id;
+    const std::uint64_t m_most_bytes;
 
     mutable std::mutex m_mutex; // guards all below
     std::condition_variable m_changed;

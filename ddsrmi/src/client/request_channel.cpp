@@ -27,12 +27,6 @@ constexpr std::chrono::milliseconds longest_patience{4000};
 // A server that was replaced is most likely dead; one that is not gets this long to answer what it was sent.
 constexpr std::chrono::seconds grace_of_the_replaced{2};
 
-bool answers_a_call(ReplyKind kind)
-{
-    return kind == ReplyKind::result || kind == ReplyKind::failed || kind == ReplyKind::unknown_operation ||
-           kind == ReplyKind::overdue;
-}
-
 std::string text_of(const DDS_RMI_Reply& reply)
 {
     return std::string(reinterpret_cast<const char*>(reply.result._buffer), reply.result._length);
@@ -136,6 +130,10 @@ void RequestChannel::send(std::size_t operation, const std::vector<DDS::Octet>& 
         return;
     deactivate(*handler.get());
     require_open();
+    if (sent == Sent::too_large)
+        throw BAD_PARAM(("the arguments of '" + name_of(operation) + "' are larger than service '" +
+                         m_names.service + "' lets a client send")
+                            .c_str());
     if (sent == Sent::no_room)
         throw TIMEOUT("service '" + m_names.service + "' takes no more requests: its queues are full");
     throw SERVICE_NOT_FOUND("service '" + m_names.service + "' was lost while a call waited for room");

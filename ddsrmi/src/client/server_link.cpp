@@ -127,7 +127,7 @@ dds_instance_handle_t ServerLink::matched_reader() const
 {
     for (const dds_instance_handle_t reader : matched_readers(m_writer->get())) {
         const MatchedEndpoint endpoint(dds_get_matched_subscription_data(m_writer->get(), reader));
-        if (endpoint != nullptr && path_of(*endpoint->qos) == m_server.path)
+        if (endpoint != nullptr && path_of(*endpoint) == m_server.path)
             return reader;
     }
     return 0;
@@ -186,18 +186,20 @@ void ServerLink::on_welcome(const DDS_RMI_Reply& reply)
     if (m_session != nullptr && m_session->id() == reply.session)
         return; // an answer to another hello of the same meeting
     end_session("its server has begun another session");
-    compare_interfaces(reply);
+    const auto* const introduction =
+        reply.about_sender._length == 0 ? nullptr : &reply.about_sender._buffer[0];
+    if (introduction != nullptr)
+        compare_interfaces(introduction->interface_known);
     m_next_hello = Clock::time_point::max();
     m_next_ping = m_last_heard + with_jitter(m_lease / pings_in_a_lease);
     m_session = std::make_shared<ClientSession>(
-        m_writer, reply.session, ClientSession::Grant{reply.granted_requests, reply.granted_bytes});
+        m_writer, reply.session, ClientSession::Grant{reply.granted_requests, reply.granted_bytes},
+        introduction == nullptr ? 0 : introduction->most_bytes);
 }
 
-void ServerLink::compare_interfaces(const DDS_RMI_Reply& welcome)
+void ServerLink::compare_interfaces(const DDS_RMI_Definition& known_there)
 {
-    if (welcome.about_sender._length == 0)
-        return;
-    auto differences = compare(m_interface, welcome.about_sender._buffer[0].interface_known);
+    auto differences = compare(m_interface, known_there);
     m_known_operations = std::move(differences.in_common);
     if (differences.missing.empty() || std::exchange(m_differences_reported, true))
         return;

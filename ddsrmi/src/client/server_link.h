@@ -17,6 +17,7 @@
 #include "ddsrmi/interface_info.h"
 #include "discovery/service_watch.h"
 
+struct DDS_RMI_Definition;
 struct DDS_RMI_Reply;
 
 namespace org::opensplice::DDS_RMI {
@@ -86,7 +87,7 @@ private:
     void begin_meeting(Clock::time_point now);
     void say_hello();
     void on_welcome(const DDS_RMI_Reply& reply);
-    void compare_interfaces(const DDS_RMI_Reply& welcome);
+    void compare_interfaces(const DDS_RMI_Definition& known_there);
     void check_silence(Clock::time_point now);
 
     const InterfaceInfo& m_interface;

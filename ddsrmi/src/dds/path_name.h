@@ -13,8 +13,9 @@ namespace org::opensplice::DDS_RMI {
 /// used as the name of a partition that belongs to one server or one link alone.
 std::string make_path_name(const Entity& participant);
 
-/// Whether make_path_name could have given it. Others may be wildcards, or nobody's.
-bool is_path_name(std::string_view name);
+/// Whether make_path_name could have given it to that participant. Others may be wildcards, somebody else's
+/// or nobody's.
+bool is_path_name(std::string_view name, const dds_guid_t& participant);
 
 } // namespace org::opensplice::DDS_RMI
 

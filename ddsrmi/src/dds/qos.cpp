@@ -55,14 +55,14 @@ std::string user_data(const dds_qos_t& qos)
     return std::string(static_cast<const char*>(data), size);
 }
 
-std::optional<std::string> path_of(const dds_qos_t& qos)
+std::optional<std::string> path_of(const dds_builtintopic_endpoint_t& endpoint)
 {
     std::uint32_t count = 0;
     char** names = nullptr;
-    if (!dds_qget_partition(&qos, &count, &names))
+    if (!dds_qget_partition(endpoint.qos, &count, &names))
         return std::nullopt;
     std::optional<std::string> path;
-    if (count == 1 && is_path_name(names[0]))
+    if (count == 1 && is_path_name(names[0], endpoint.participant_key))
         path = names[0];
     for (std::uint32_t i = 0; i < count; ++i)
         dds_free(names[i]);

@@ -27,8 +27,9 @@ Qos exchange_qos();
 void set_user_data(Qos& qos, const std::string& text);
 std::string user_data(const dds_qos_t& qos);
 
-/// The one partition of a discovered endpoint; nothing when that is no path name.
-std::optional<std::string> path_of(const dds_qos_t& qos);
+/// The one partition of a discovered endpoint; nothing when that is no path name of its own participant's:
+/// only who made a path takes what is sent on it.
+std::optional<std::string> path_of(const dds_builtintopic_endpoint_t& endpoint);
 
 } // namespace org::opensplice::DDS_RMI
 

@@ -78,7 +78,7 @@ void ServiceWatch::admit(const dds_builtintopic_endpoint_t& reader, dds_instance
         return;
     if (m_instance != any_instance && announcement->instance != m_instance)
         return;
-    auto path = path_of(*reader.qos);
+    auto path = path_of(reader);
     if (!path || find(*path) != nullptr)
         return;
     Server server{std::move(*announcement), std::move(*path), handle};

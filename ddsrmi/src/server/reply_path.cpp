@@ -41,6 +41,8 @@ void ReplyPath::send(OutgoingReply reply)
     const std::lock_guard lock(m_mutex);
     if (m_waiting.empty() && write(reply))
         return;
+    if (m_waiting_bytes > most_waiting_bytes && !answers_a_call(reply.kind))
+        return; // so that a client which asks on and on and takes no answer in costs no more than this
     m_waiting_bytes += cost_of(reply.result.size());
     m_waiting.push_back(std::move(reply));
     if (m_waiting.size() == 1)
@@ -62,7 +64,8 @@ bool ReplyPath::write(const OutgoingReply& reply) const
     return true;
 }
 
-void ReplyPath::welcome(ReplyKind kind, std::uint64_t session, std::uint64_t meeting, RoomUsed granted) const
+void ReplyPath::welcome(ReplyKind kind, std::uint64_t session, std::uint64_t meeting, RoomUsed granted,
+                        std::uint64_t most_bytes) const
 {
     const OwnDefinition definition(m_interface);
     char nobody[] = "";
@@ -71,6 +74,7 @@ void ReplyPath::welcome(ReplyKind kind, std::uint64_t session, std::uint64_t mee
     introduction.parties.service_id.server_impl = nobody;
     introduction.parties.client_id.client_impl = nobody;
     introduction.interface_known = definition.message();
+    introduction.most_bytes = most_bytes;
     DDS_RMI_Reply welcome = message(kind, session, meeting, granted);
     welcome.about_sender._buffer = &introduction;
     welcome.about_sender._length = 1;

@@ -43,7 +43,9 @@ public:
 
     void send(OutgoingReply reply);
     /// The answer to a hello, with our view of the interface. It may be lost; the client then asks again.
-    void welcome(ReplyKind kind, std::uint64_t session, std::uint64_t meeting, RoomUsed granted) const;
+    /// `most_bytes`: what the client may have waiting at a time.
+    void welcome(ReplyKind kind, std::uint64_t session, std::uint64_t meeting, RoomUsed granted,
+                 std::uint64_t most_bytes) const;
 
     /// Sends what is kept, as far as the client has room; whether that was anything. To be called again soon
     /// while is_lagging().

@@ -51,8 +51,10 @@ Partitioned make_reader(const Entity& participant, const InterfaceInfo& interfac
 std::string reply_path_of(const Partitioned& reader, dds_instance_handle_t writer)
 {
     const MatchedEndpoint endpoint(dds_get_matched_publication_data(reader.get(), writer));
-    std::string path = endpoint == nullptr ? std::string() : user_data(*endpoint->qos);
-    return is_path_name(path) ? path : std::string();
+    if (endpoint == nullptr)
+        return {};
+    std::string path = user_data(*endpoint->qos);
+    return is_path_name(path, endpoint->participant_key) ? path : std::string();
 }
 
 // What can be long in it.
@@ -280,7 +282,8 @@ void ServedInterface::answer_hello(RequestSample& sample, Client& client)
     if (client.session == nullptr || client.meeting != hello.number)
         begin_session(client, sample);
     client.path->welcome(m_has_successor ? ReplyKind::second_choice : ReplyKind::welcome,
-                         client.session->id(), client.meeting, client.session->granted());
+                         client.session->id(), client.meeting, client.session->granted(),
+                         m_service.admission->per_session().bytes);
 }
 
 bool ServedInterface::is_for_me(const DDS_RMI_Request& hello) const

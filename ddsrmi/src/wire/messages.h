@@ -35,6 +35,13 @@ enum class ReplyKind : std::uint16_t {
     second_choice = 9, ///< like welcome, but a newer server of the same service and instance is about
 };
 
+/// The other kinds are said again, sooner or later.
+inline bool answers_a_call(ReplyKind kind)
+{
+    return kind == ReplyKind::result || kind == ReplyKind::failed || kind == ReplyKind::unknown_operation ||
+           kind == ReplyKind::overdue;
+}
+
 /// How much of what is granted a request takes up: its arguments, and what it costs to keep it.
 inline std::uint64_t cost_of(std::size_t arguments)
 {
