@@ -19,6 +19,7 @@ RUNTIME = "framework/include/zeb/api/mdw/KX_DDS_RMI_RUNTIME.h"
 RUNTIME_SOURCE = "framework/src/kx_dds_rmi_runtime.cpp"
 HANDLER_SOURCE = "framework/src/kx_rpc_handler.cpp"
 VALUE_SOURCE = "framework/src/kx_json.cpp"
+JSON_SOURCE = "framework/json/json_value.cpp"
 
 
 class Mutation(NamedTuple):
@@ -1339,8 +1340,9 @@ MUTATIONS = [
                  '    /// The JSON-RPC method name.\n'
                  '    virtual std::string GetName() const = 0;\n'
                  '\n'
-                 '    /// A JSON description of the method; holds no object where there is none. The host asks for it on the\n'
-                 '    /// thread that made the handler, before any method is called, and keeps nothing of what it gets.\n'
+                 '    /// A JSON description of the method (see RpcMethod); holds no object where there is none. The host asks\n'
+                 '    /// for it on the thread that made the handler, before any method is called, and keeps nothing of what it\n'
+                 '    /// gets.\n'
                  '    virtual data::KX_JSON GetDescription() const = 0;\n'),
              (
                  '    virtual data::KX_JSON GetDescription() const = 0;\n'
@@ -1402,11 +1404,9 @@ MUTATIONS = [
     Mutation("any-method-found", HANDLER_SOURCE,
              'found == m_methodsByName.end() ? nullptr : found->second',
              'm_methodsByName.empty() ? nullptr : m_methodsByName.begin()->second'),
-    Mutation("text-cut-at-a-nul", VALUE_SOURCE,
-             (
-                 '    return std::string(json_object_get_string(string),\n'
-                 '                       static_cast<std::size_t>(json_object_get_string_len(string)));'),
-             '    return std::string(json_object_get_string(string));'),
+    Mutation("text-cut-at-a-nul", JSON_SOURCE,
+             'return {json_object_get_string(string), static_cast<std::size_t>(json_object_get_string_len(string))};',
+             'return json_object_get_string(string);'),
     Mutation("null-as-a-text", VALUE_SOURCE,
              (
                  '    case json_type_null:\n'
@@ -1415,8 +1415,8 @@ MUTATIONS = [
                  '    case json_type_null:\n'
                  '        return std::string("null");')),
     Mutation("number-not-clamped", VALUE_SOURCE,
-             'return static_cast<int>(std::clamp(value, double(Limits::min()), double(Limits::max())));',
-             'return static_cast<int>(static_cast<long long>(std::clamp(value, -4e9, 4e9)));'),
+             'return static_cast<Integer>(std::max(value, static_cast<double>(Limits::min())));',
+             'return static_cast<Integer>(static_cast<long long>(std::max(value, -4e9)));'),
     Mutation("copy-takes-no-reference", VALUE_SOURCE,
              'KX_JSON::KX_JSON(const KX_JSON& other) noexcept : m_object(json_object_get(other.m_object)) {}',
              'KX_JSON::KX_JSON(const KX_JSON& other) noexcept : m_object(other.m_object) {}'),

@@ -33,7 +33,7 @@ public:
     explicit Described(const std::string& text, const host_test::Options& options = {})
         : m_process(start(text, options))
     {
-        bound = m_process.wait_for_error_line("is bound and offers 6 methods").has_value();
+        bound = m_process.wait_for_error_line("is bound and offers 7 methods").has_value();
     }
 
     std::string ask_for(const std::string& method, const std::string& params) const

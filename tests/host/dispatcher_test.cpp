@@ -12,6 +12,7 @@
 
 #include "json_matchers.h"
 #include "method_stubs.h"
+#include "zeb/api/RpcError.h"
 
 namespace {
 
@@ -220,6 +221,69 @@ const Thrown thrown[] = {
 
 INSTANTIATE_TEST_SUITE_P(dispatcher, ThrownByAMethod, testing::ValuesIn(thrown),
                          [](const auto& example) { return example.param.name; });
+
+using zeb::api::RpcError;
+
+TEST_F(dispatcher, answers_the_error_that_a_method_gives_itself)
+{
+    add_throwing([] { throw RpcError(404, "No \"such\" room", Json::parse(R"({"rooms":["kitchen"]})")); });
+
+    EXPECT_EQ(
+        answer(request("fail", "1")),
+        R"({"jsonrpc":"2.0","error":{"code":404,"message":"No \"such\" room","data":{"rooms":["kitchen"]}},"id":1})");
+}
+
+TEST_F(dispatcher, leaves_data_out_where_the_error_has_none)
+{
+    add_throwing([] { throw RpcError(-5, "Too cold"); });
+
+    EXPECT_EQ(answer(request("fail", "1")),
+              R"({"jsonrpc":"2.0","error":{"code":-5,"message":"Too cold"},"id":1})");
+}
+
+TEST_F(dispatcher, lets_methods_use_the_codes_of_json_rpc_that_speak_of_methods)
+{
+    for (const int code : {-32602, -32603, -32769, -31999, 1}) {
+        add_throwing([code] { throw RpcError(code, "own words"); });
+
+        EXPECT_THAT(
+            answer(request("fail", "1")),
+            Optional(testing::HasSubstr("\"code\":" + std::to_string(code) + ",\"message\":\"own words\"")));
+    }
+}
+
+TEST_F(dispatcher, keeps_the_codes_that_methods_must_not_use_for_itself)
+{
+    for (const int code : {0, -32000, -32001, -32600, -32700, -32768}) {
+        add_throwing([code] { throw RpcError(code, "own words", Json::parse("1")); });
+
+        EXPECT_THAT(answer(request("fail", "1")),
+                    Optional(JsonEq(error(-32603, "Internal error",
+                                          "fail: it threw an error with the code " + std::to_string(code) +
+                                              ", which is no method's to use: own words"))));
+    }
+}
+
+TEST_F(dispatcher, answers_only_json_as_the_data_of_an_error)
+{
+    Json no_text;
+    no_text.set_json_string("key", "caf\xe9");
+    add_throwing([&no_text] { throw RpcError(404, "No such room", no_text); });
+
+    EXPECT_THAT(answer(request("fail", "1")),
+                Optional(JsonEq(error(-32603, "Internal error",
+                                      "fail: the data of its error is not JSON: it has a number that is not "
+                                      "finite, or a text that is not UTF-8"))));
+}
+
+TEST_F(dispatcher, answers_only_text_as_the_message_of_an_error)
+{
+    add_throwing([] { throw RpcError(404, "caf\xe9"); });
+
+    EXPECT_THAT(
+        answer(request("fail", "1")),
+        Optional(JsonEq(error(-32603, "Internal error", "fail: it threw an error whose text is not UTF-8"))));
+}
 
 class EchoedId : public dispatcher, public testing::WithParamInterface<const char*>
 {

@@ -56,6 +56,17 @@ TEST(http, tells_errors_of_json_rpc_with_status_200)
     EXPECT_THAT(ask(zorbd.port(), post(call("refuse"))).body, HasSubstr("refuse: no such thing"));
 }
 
+TEST(http, tells_the_error_that_a_method_of_a_plugin_gives_itself)
+{
+    const ZorbdProcess zorbd;
+
+    EXPECT_THAT(
+        ask(zorbd.port(), post(call("fail", R"({"code":404,"message":"No such room","data":["kitchen"]})")))
+            .body,
+        JsonEq(
+            R"({"jsonrpc":"2.0","error":{"code":404,"message":"No such room","data":["kitchen"]},"id":1})"));
+}
+
 TEST(http, serves_one_request_after_another_on_a_connection)
 {
     const ZorbdProcess zorbd;

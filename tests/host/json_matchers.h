@@ -10,9 +10,9 @@
 
 namespace host_test {
 
-inline zorbd::JsonValue parsed(const std::string& text)
+inline strict_json::JsonValue parsed(const std::string& text)
 {
-    return zorbd::parse_json(text, 64);
+    return strict_json::parse_json(text, 64);
 }
 
 /// Takes the particulars of errors away, of which JSON-RPC says nothing.
@@ -21,7 +21,7 @@ inline void drop_error_data(json_object* value)
     if (json_object_is_type(value, json_type_array)) {
         for (std::size_t i = 0; i < json_object_array_length(value); ++i)
             drop_error_data(json_object_array_get_idx(value, i));
-    } else if (json_object* error = zorbd::member(value, "error")) {
+    } else if (json_object* error = strict_json::member(value, "error")) {
         json_object_object_del(error, "data");
     }
 }
@@ -29,9 +29,9 @@ inline void drop_error_data(json_object* value)
 /// The response without its error's particulars.
 inline std::string essence(const std::string& response)
 {
-    const zorbd::JsonValue value = parsed(response);
+    const strict_json::JsonValue value = parsed(response);
     drop_error_data(value.get());
-    return zorbd::json_text(value.get());
+    return strict_json::json_text(value.get());
 }
 
 MATCHER_P(JsonEq, expected, "is JSON equal to " + testing::PrintToString(expected))

@@ -7,9 +7,9 @@
 
 namespace {
 
-using zorbd::json_text;
-using zorbd::JsonSyntaxError;
-using zorbd::parse_json;
+using strict_json::json_text;
+using strict_json::JsonSyntaxError;
+using strict_json::parse_json;
 
 constexpr int depth = 4;
 

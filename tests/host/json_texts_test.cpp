@@ -418,7 +418,7 @@ TEST_F(json_texts, that_are_json_are_taken_everywhere)
         for (const std::string& request : requests_with(text)) {
             const std::string answered = answer(request);
             EXPECT_THAT(answered, Not(HasSubstr("-32700"))) << request;
-            EXPECT_TRUE(zorbd::is_json(answered)) << request;
+            EXPECT_TRUE(strict_json::is_json(answered)) << request;
         }
 }
 
@@ -446,7 +446,7 @@ TEST_F(json_texts, that_may_be_either_are_answered_with_json)
 {
     for (const std::string& text : either_way())
         for (const std::string& request : requests_with(text))
-            EXPECT_TRUE(zorbd::is_json(answer(request))) << request;
+            EXPECT_TRUE(strict_json::is_json(answer(request))) << request;
 }
 
 TEST_F(json_texts, cover_what_they_ought_to)

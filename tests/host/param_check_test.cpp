@@ -12,11 +12,11 @@
 
 namespace {
 
+using strict_json::JsonValue;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Optional;
 using testing::StartsWith;
-using zorbd::JsonValue;
 using zorbd::ParamCheck;
 
 JsonValue parse(const std::string& text)
@@ -39,7 +39,7 @@ protected:
         return m_check.apply(m_request.get());
     }
 
-    std::string request() const { return zorbd::json_text(m_request.get()); }
+    std::string request() const { return strict_json::json_text(m_request.get()); }
 
     const ParamCheck m_check{parse(described).get()};
     JsonValue m_request;

@@ -98,7 +98,8 @@ TEST(start, names_a_symbol_that_a_plugin_lacks)
     const Ending ending = end_of(with_plugin(plugin("unresolved_symbol")));
 
     EXPECT_EQ(ending.code, 1);
-    EXPECT_THAT(ending.said, AllOf(HasSubstr(plugin("unresolved_symbol")), HasSubstr("nobody_has_this")));
+    EXPECT_THAT(ending.said,
+                AllOf(HasSubstr(plugin("unresolved_symbol")), HasSubstr("defines nobody_has_this. ")));
 }
 
 TEST(start, names_an_address_that_is_taken)
@@ -339,9 +340,9 @@ TEST(plugins, are_all_reported_by_the_health_page)
     const auto healthy = ask(zorbd.port(), get("/healthz"));
 
     EXPECT_EQ(waiting.status, 503);
-    EXPECT_THAT(waiting.body, JsonEq(report("waiting", false, 6)));
+    EXPECT_THAT(waiting.body, JsonEq(report("waiting", false, 7)));
     EXPECT_EQ(healthy.status, 200);
-    EXPECT_THAT(healthy.body, JsonEq(report("ok", true, 5)));
+    EXPECT_THAT(healthy.body, JsonEq(report("ok", true, 6)));
 }
 
 TEST(plugins, are_described_by_rpc_discover)
@@ -358,8 +359,8 @@ TEST(plugins, are_described_by_rpc_discover)
         JsonEq(R"({"jsonrpc":"2.0","id":1,"result":{"openrpc":"1.2.6","info":{"title":"zorbd","version":")" +
                std::string(PROGRAM_VERSION) + R"("},"servers":[{"name":"zorbd","url":"http://127.0.0.1:)" +
                std::to_string(zorbd.port()) + R"(/"}],"methods":[)" + method("seven") + ',' + method("echo") +
-               ',' + method("fill") + ',' + method("refuse") + ',' + method("linger") + ',' + method("hold") +
-               "]}}"));
+               ',' + method("fill") + ',' + method("refuse") + ',' + method("fail") + ',' + method("linger") +
+               ',' + method("hold") + "]}}"));
 }
 
 TEST(plugins, are_asked_for_descriptions_on_the_thread_that_made_their_methods)

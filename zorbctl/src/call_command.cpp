@@ -39,9 +39,7 @@ int print_response(const Json& response, bool as_json)
     else if (!is_error)
         std::cout << response.value("result", Json()).dump() << std::endl;
     else
-        throw Failure(exit_refused, response["error"].value("message", "") + " (" +
-                                        response["error"].value("code", Json()).dump() +
-                                        "): " + response["error"].value("data", ""));
+        throw Failure(exit_refused, error_text(response));
     return is_error ? exit_refused : exit_done;
 }
 

@@ -58,7 +58,8 @@ std::size_t take_received(char* data, std::size_t /*one*/, std::size_t size, voi
     return taker.has_ended ? 0 : size; // 0 ends the transfer
 }
 
-/// What the host says of an error: the particulars if there are some.
+} // namespace
+
 std::string error_text(const Json& response)
 {
     const Json error = response.value("error", Json::object());
@@ -69,8 +70,6 @@ std::string error_text(const Json& response)
         text += ": " + (error["data"].is_string() ? error["data"].get<std::string>() : error["data"].dump());
     return text;
 }
-
-} // namespace
 
 Client::Client(const Options& options)
     : m_options(options), m_token(read_token(options)), m_handle(curl_easy_init())

@@ -22,6 +22,9 @@ struct Answer
     std::string body;
 };
 
+/// What the host says of an error: the particulars if there are some.
+std::string error_text(const Json& response);
+
 /// Speaks HTTP with one zorbd. Every operation throws Failure when the host cannot be reached.
 class Client
 {

@@ -298,7 +298,7 @@ function takeResponse(entry, response) {
   }
   forget(entry);
   settle(entry, `${response.error.message} (${response.error.code})`, "bad");
-  if (entry.method === chosen && response.error.data) showFieldError(response.error.data);
+  if (entry.method === chosen && typeof response.error.data === "string") showFieldError(response.error.data);
 }
 
 function showAnswer(text, entry) {

@@ -7,6 +7,9 @@
 #include "json/json_quote.h"
 
 namespace zorbd {
+
+using strict_json::quoted_json;
+
 namespace {
 
 /// The members of a JSON object that tell of the call.

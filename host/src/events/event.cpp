@@ -9,6 +9,8 @@
 
 namespace zorbd {
 
+using strict_json::quoted_json;
+
 std::string time_text(std::chrono::system_clock::time_point time)
 {
     const auto since_epoch = time.time_since_epoch();

@@ -90,15 +90,15 @@ public:
 
     void write_counts(MetricsText& text, const std::string& method) const
     {
-        const auto write = [&](int code, std::uint64_t count) {
+        const auto write = [&](const std::string& code, std::uint64_t count) {
             if (count != 0)
-                text.add(static_cast<double>(count),
-                         method + ',' + metrics_label("code", std::to_string(code)));
+                text.add(static_cast<double>(count), method + ',' + metrics_label("code", code));
         };
-        write(0, m_succeeded);
+        write("0", m_succeeded);
         const std::lock_guard<std::mutex> lock(m_mutex);
         for (const auto& [code, count] : m_failed)
-            write(code, count);
+            write(std::to_string(code), count);
+        write("other", m_failed_otherwise);
     }
 
     void write_durations(MetricsText& text, const std::string& method) const
@@ -117,14 +117,21 @@ private:
     void count_failed(int code)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        ++m_failed[code];
+        if (m_failed.size() < most_codes || m_failed.count(code) != 0)
+            ++m_failed[code];
+        else
+            ++m_failed_otherwise;
     }
+
+    /// A plug-in's methods choose their codes themselves, and each one that is counted stays in memory.
+    static constexpr std::size_t most_codes = 50;
 
     std::atomic<std::uint64_t> m_succeeded{0};
     std::array<std::atomic<std::uint64_t>, std::size(bounds) + 1> m_buckets{};
     std::atomic<std::uint64_t> m_nanoseconds{0};
     mutable std::mutex m_mutex;
     std::map<int, std::uint64_t> m_failed; ///< by code; guarded by m_mutex
+    std::uint64_t m_failed_otherwise = 0;  ///< with codes that there was no room for; guarded by m_mutex
 };
 
 Metrics::Metrics()

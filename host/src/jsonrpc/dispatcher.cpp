@@ -6,6 +6,9 @@
 #include "json/json_reader.h"
 
 namespace zorbd {
+
+using namespace strict_json;
+
 namespace {
 
 std::string response(const CallOutcome& outcome, const std::string& id)
@@ -27,14 +30,14 @@ RpcError unknown_method(const std::string& name, bool may_still_come)
 std::string answer_unrun(CallObserver* observer, const RpcError& error, const std::string& id = "null")
 {
     if (observer != nullptr)
-        observer->call_ended({{}, id, {}, static_cast<int>(error.code)});
+        observer->call_ended({{}, id, {}, error.code});
     return error_response(error, id);
 }
 
 int code_of(const CallOutcome& outcome)
 {
     const auto* error = std::get_if<RpcError>(&outcome);
-    return error == nullptr ? 0 : static_cast<int>(error->code);
+    return error == nullptr ? 0 : error->code;
 }
 
 /// The responses of a batch.

@@ -6,7 +6,7 @@
 
 namespace zorbd {
 
-/// What an error response says: JSON-RPC's own codes and this host's, from the range left to servers.
+/// JSON-RPC's own codes and this host's, from the range left to servers.
 enum class RpcErrorCode : int {
     parse_error = -32700,
     invalid_request = -32600,
@@ -20,15 +20,25 @@ enum class RpcErrorCode : int {
     refused = -32004,
 };
 
-struct RpcError
-{
-    RpcErrorCode code;
-    /// The particulars, for people; left out of the response when empty.
-    std::string data;
-};
-
 /// The one sentence that belongs to a code.
 const char* message_of(RpcErrorCode code);
+
+/// Whether a method may answer with `code`: it is neither 0, which stands for success, nor reserved by
+/// JSON-RPC for what a method cannot know.
+bool is_open_to_methods(int code);
+
+/// What an error response says.
+struct RpcError
+{
+    /// An error of the host's. `particulars` are for people; there is no data when they are empty.
+    RpcError(RpcErrorCode error, const std::string& particulars);
+    /// Any other.
+    RpcError(int error, std::string sentence, std::string json);
+
+    int code;
+    std::string message; ///< UTF-8
+    std::string data;    ///< JSON text; left out of the response when empty
+};
 
 /// The text of an error response; `id` is JSON text.
 std::string error_response(const RpcError& error, const std::string& id = "null");

@@ -2,6 +2,9 @@
 #include "jsonrpc/rpc_request.h"
 
 namespace zorbd {
+
+using namespace strict_json;
+
 namespace {
 
 bool is_valid_id(json_object* id)

@@ -15,6 +15,9 @@
 #include "json/json_reader.h"
 
 namespace zorbd {
+
+using namespace strict_json;
+
 namespace {
 
 /// Deeper than any description; a reference to something around itself would never end.

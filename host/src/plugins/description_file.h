@@ -27,7 +27,7 @@ public:
 private:
     void read(const std::string& file);
 
-    std::map<std::string, JsonValue> m_methods;
+    std::map<std::string, strict_json::JsonValue> m_methods;
 };
 
 } // namespace zorbd

@@ -12,6 +12,9 @@
 #include "json/json_value.h"
 
 namespace zorbd {
+
+using namespace strict_json;
+
 namespace {
 
 /// What OpenRPC demands of every method, for one that tells nothing of itself.

@@ -18,8 +18,8 @@ namespace zorbd {
 /// members of one that is an object stand in the method object as they are. Lets through what the method
 /// throws. To be called on the thread that made the method: until the description has been copied it shares
 /// the method's own objects, whose references are counted for one thread only.
-JsonValue describe_method(const std::string& name, const zeb::api::CallbackMethod& method,
-                          json_object* described);
+strict_json::JsonValue describe_method(const std::string& name, const zeb::api::CallbackMethod& method,
+                                       json_object* described);
 
 /// The OpenRPC document of methods that have been described, in that order; `servers` are the addresses where
 /// they are served.

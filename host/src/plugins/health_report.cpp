@@ -11,6 +11,9 @@
 #include "json/json_quote.h"
 
 namespace zorbd {
+
+using strict_json::quoted_json;
+
 namespace {
 
 /// A plug-in and how many of its calls take too long.

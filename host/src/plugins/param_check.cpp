@@ -22,6 +22,9 @@
 #pragma GCC diagnostic pop
 
 namespace zorbd {
+
+using namespace strict_json;
+
 namespace {
 
 using Json = nlohmann::json;

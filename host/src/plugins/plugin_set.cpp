@@ -135,16 +135,16 @@ PluginSet::OfferedMethod PluginSet::make_offered(const DescriptionFile& describe
                                                  zeb::api::CallbackMethod& method) const
 {
     const std::string name = method.GetName();
-    const JsonValue description = describe_method(name, method, described.method(name));
+    const strict_json::JsonValue description = describe_method(name, method, described.method(name));
     const bool is_described = described.method(name) != nullptr;
     std::shared_ptr<const ParamCheck> params;
     try {
         if (m_check_params && is_described)
-            params = std::make_shared<const ParamCheck>(member(description.get(), "params"));
+            params = std::make_shared<const ParamCheck>(strict_json::member(description.get(), "params"));
     } catch (const std::invalid_argument& error) {
         log_message("parameters of " + name + " are not checked: " + error.what());
     }
-    return {name, &method, json_text(description.get()), std::move(params)};
+    return {name, &method, strict_json::json_text(description.get()), std::move(params)};
 }
 
 std::unique_ptr<const PluginSet::Table> PluginSet::make_table(const std::vector<Offer>& offers,

@@ -26,7 +26,7 @@ void check_response(json_object* response)
 {
     json_object* found = nullptr;
     require(json_object_is_type(response, json_type_object) != 0);
-    require(zorbd::string_of(zorbd::member(response, "jsonrpc")) == "2.0");
+    require(strict_json::string_of(strict_json::member(response, "jsonrpc")) == "2.0");
     require(json_object_object_get_ex(response, "id", &found) != 0);
     const bool has_result = json_object_object_get_ex(response, "result", &found) != 0;
     const bool has_error = json_object_object_get_ex(response, "error", &found) != 0;
@@ -35,7 +35,7 @@ void check_response(json_object* response)
 
 void check_answer(const std::string& text)
 {
-    const zorbd::JsonValue answer = zorbd::parse_json(text, answer_depth);
+    const strict_json::JsonValue answer = strict_json::parse_json(text, answer_depth);
     if (json_object_is_type(answer.get(), json_type_array) == 0)
         return check_response(answer.get());
     require(json_object_array_length(answer.get()) != 0);

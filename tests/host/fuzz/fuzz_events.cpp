@@ -74,7 +74,7 @@ void check_stream(std::string_view text)
         text.remove_prefix(end + 2);
         const std::string data = field(block, "data");
         if (!data.empty())
-            zorbd::parse_json(data, 8);
+            strict_json::parse_json(data, 8);
         if (field(block, "event") == "gap")
             last = 0;
         if (const auto id = zorbd::parse_event_id(field(block, "id"))) {

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "zeb/api/KX_RPCHandler.h"
+#include "zeb/api/RpcError.h"
 #include "zeb/api/RpcMethod.h"
 
 namespace {
@@ -36,6 +37,14 @@ public:
     }
 
     int refuse(const Json& /*in*/, Json& /*out*/) { throw std::invalid_argument("no such thing"); }
+
+    /// Ends with the error that "params" describes.
+    int fail(const Json& in, Json& /*out*/)
+    {
+        const Json params = in.get_json_object("params");
+        throw zeb::api::RpcError(params.get_json_int("code"), params.get_json_string("message"),
+                                 params.get_json_object("data"));
+    }
 
     /// Takes as many milliseconds as "params" says.
     int linger(const Json& in, Json& /*out*/)
@@ -66,6 +75,7 @@ public:
         add("echo", &Methods::echo);
         add("fill", &Methods::fill);
         add("refuse", &Methods::refuse);
+        add("fail", &Methods::fail);
         add("linger", &Methods::linger);
         add("hold", &Methods::hold);
         std::cout << "served_methods made" << std::endl;

@@ -20,14 +20,15 @@ public:
 
     /// Runs the method. `in` is the whole JSON-RPC request object; `out` is the response object, into which
     /// the method may write a "result" member. When it writes none, the returned integer is the result.
-    /// What it throws becomes a JSON-RPC error.
+    /// What it throws becomes a JSON-RPC error; RpcError gives that error its code, message and data.
     virtual int Call(const data::KX_JSON& in, data::KX_JSON& out) = 0;
 
     /// The JSON-RPC method name.
     virtual std::string GetName() const = 0;
 
-    /// A JSON description of the method; holds no object where there is none. The host asks for it on the
-    /// thread that made the handler, before any method is called, and keeps nothing of what it gets.
+    /// A JSON description of the method (see RpcMethod); holds no object where there is none. The host asks
+    /// for it on the thread that made the handler, before any method is called, and keeps nothing of what it
+    /// gets.
     virtual data::KX_JSON GetDescription() const = 0;
 };
 

@@ -15,6 +15,16 @@ namespace api {
 /// The owner is not owned: it must live for as long as the method may be called. The method object has no
 /// mutable state, so concurrent calls are as safe as the member function is. Only the description's copies
 /// belong to one thread at a time, because they share one counted object.
+///
+/// The description is for people and programs that ask the host what a method does (`rpc.discover`, the
+/// console, zorbctl). It is one of these:
+///   - an empty value: the method says nothing of itself
+///   - a JSON string: what the method does, the "description" of its OpenRPC method object
+///   - a JSON object: members of its OpenRPC method object, such as "summary", "params" and "result"
+/// What it says goes before the method's entry in the file beside the plug-in, NAME.openrpc.json for NAME.so.
+/// zorbd checks the params of methods with an entry in that file, and of no others. An example:
+///
+///     KX_JSON::parse(R"({"summary": "The temperature of a room, in degrees Celsius"})")
 template <class T>
 class RpcMethod : public CallbackMethod
 {

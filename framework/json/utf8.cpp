@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace zorbd {
+namespace strict_json {
 namespace {
 
 struct Form
@@ -82,4 +82,4 @@ std::optional<std::size_t> find_invalid_utf8(std::string_view text)
     return std::nullopt;
 }
 
-} // namespace zorbd
+} // namespace strict_json

@@ -5,7 +5,7 @@
 
 #include "json/utf8.h"
 
-namespace zorbd {
+namespace strict_json {
 namespace {
 
 void append_escaped(std::string& quoted, std::string_view text)
@@ -37,4 +37,4 @@ std::string quoted_json(std::string_view text)
     return quoted += '"';
 }
 
-} // namespace zorbd
+} // namespace strict_json

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZORBD_JSON_VALUE_H
-#define ZORBD_JSON_VALUE_H
+#ifndef STRICT_JSON_JSON_VALUE_H
+#define STRICT_JSON_JSON_VALUE_H
 
 #include <json-c/json_object.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace zorbd {
+namespace strict_json {
 
 struct JsonRelease
 {
@@ -39,6 +39,6 @@ json_object* member(json_object* object, const char* key);
 /// Compact JSON text. Throws std::bad_alloc.
 std::string json_text(json_object* object);
 
-} // namespace zorbd
+} // namespace strict_json
 
 #endif

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZORBD_JSON_READER_H
-#define ZORBD_JSON_READER_H
+#ifndef STRICT_JSON_JSON_READER_H
+#define STRICT_JSON_JSON_READER_H
 
 #include <stdexcept>
 #include <string>
@@ -8,7 +8,7 @@
 
 #include "json/json_value.h"
 
-namespace zorbd {
+namespace strict_json {
 
 /// A text that is not JSON, or that this host does not take; what() names the cause and the byte.
 class JsonSyntaxError : public std::runtime_error
@@ -25,6 +25,6 @@ JsonValue parse_json(const std::string& text, int max_depth);
 /// Whether a text is JSON, and all of its strings are UTF-8.
 bool is_json(const std::string& text);
 
-} // namespace zorbd
+} // namespace strict_json
 
 #endif

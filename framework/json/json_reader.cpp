@@ -14,14 +14,14 @@
 
 #include <charconv>
 #include <cstdint>
-#include <cstdlib>
 #include <new>
 #include <optional>
 #include <vector>
 
+#include "json/json_number.h"
 #include "json/utf8.h"
 
-namespace zorbd {
+namespace strict_json {
 namespace {
 
 constexpr unsigned reader_flags = rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
@@ -113,8 +113,7 @@ private:
     /// It keeps its digits, so that they come back as they were.
     bool put_double(const std::string& number)
     {
-        const double value = std::strtod(number.c_str(), nullptr);
-        return put(owned(json_object_new_double_s(value, number.c_str())));
+        return put(owned(json_object_new_double_s(double_of(number), number.c_str())));
     }
 
     bool open(JsonValue container)
@@ -222,4 +221,4 @@ bool is_json(const std::string& text)
     return !reader.Parse<reader_flags>(stream, check).IsError() && stream.Tell() == text.size();
 }
 
-} // namespace zorbd
+} // namespace strict_json

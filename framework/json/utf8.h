@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZORBD_UTF8_H
-#define ZORBD_UTF8_H
+#ifndef STRICT_JSON_UTF8_H
+#define STRICT_JSON_UTF8_H
 
 #include <cstddef>
 #include <optional>
 #include <string_view>
 
-namespace zorbd {
+namespace strict_json {
 
 /// Where `text` first stops being well-formed UTF-8 (overlong forms, surrogates and values above U+10FFFF are
 /// not well-formed); nothing when it is well-formed.
 std::optional<std::size_t> find_invalid_utf8(std::string_view text);
 
-} // namespace zorbd
+} // namespace strict_json
 
 #endif

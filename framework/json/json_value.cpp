@@ -7,7 +7,7 @@
 #include <new>
 #include <optional>
 
-namespace zorbd {
+namespace strict_json {
 namespace {
 
 /// Most ids are integers, for which json-c's way, with a text of its own beside the object, takes long.
@@ -71,4 +71,4 @@ std::string json_text(json_object* object)
     return {text, length};
 }
 
-} // namespace zorbd
+} // namespace strict_json
