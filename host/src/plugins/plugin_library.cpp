@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "plugins/load_failure.h"
+
 namespace zorbd {
 namespace {
 
@@ -17,9 +19,10 @@ std::string path_of(const std::string& file)
 
 void* load(const std::string& file)
 {
-    if (void* library = dlopen(path_of(file).c_str(), RTLD_NOW | RTLD_LOCAL))
+    const std::string path = path_of(file);
+    if (void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
         return library;
-    throw PluginError("cannot load plug-in " + file + ": " + dlerror());
+    throw PluginError("cannot load plug-in " + file + ": " + explain_load_failure(path, dlerror()));
 }
 
 void* find_factory(void* library, const std::string& file)
