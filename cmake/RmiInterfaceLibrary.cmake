@@ -4,7 +4,11 @@
 # Everything that is generated lands in the build tree's folder "generated" beside the calling list file.
 
 find_program(IDLC idlc REQUIRED DOC "Cyclone DDS's IDL compiler (Debian package cyclonedds-tools)")
-find_program(OMNIIDL omniidl REQUIRED DOC "The IDL front end that the code generator runs in (Debian package omniidl)")
+find_program(OMNIIDL omniidl DOC "The IDL front end that the code generator runs in")
+if(NOT OMNIIDL)
+    message(FATAL_ERROR "The program omniidl is missing, in which the generator for interface files runs. "
+                        "On Debian: apt-get install omniidl. Elsewhere, name it: -DOMNIIDL=/path/to/omniidl")
+endif()
 
 get_filename_component(DDSRMI_IDL_FOLDER ${CMAKE_CURRENT_LIST_DIR}/../ddsrmi/idl ABSOLUTE)
 get_filename_component(DDSRMI_GENERATOR_FOLDER ${CMAKE_CURRENT_LIST_DIR}/../ddsrmi/generator ABSOLUTE)
