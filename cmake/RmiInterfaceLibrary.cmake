@@ -1,9 +1,7 @@
 # For the embedded provider:
-#   ddsrmi_compile_topics(<target> <idl file>)      adds the code of DDS topics to a target
 #   rmi_interface_library(<target> IDL <idl file>)  makes an interface library
-# Everything that is generated lands in the build tree's folder "generated" beside the calling list file.
+# What is generated lands in the build tree's folder "generated" beside the calling list file.
 
-find_program(IDLC idlc REQUIRED DOC "Cyclone DDS's IDL compiler (Debian package cyclonedds-tools)")
 find_program(OMNIIDL omniidl DOC "The IDL front end that the code generator runs in")
 if(NOT OMNIIDL)
     message(FATAL_ERROR "The program omniidl is missing, in which the generator for interface files runs. "
@@ -12,35 +10,6 @@ endif()
 
 get_filename_component(DDSRMI_IDL_FOLDER ${CMAKE_CURRENT_LIST_DIR}/../ddsrmi/idl ABSOLUTE)
 get_filename_component(DDSRMI_GENERATOR_FOLDER ${CMAKE_CURRENT_LIST_DIR}/../ddsrmi/generator ABSOLUTE)
-
-# Compiles the topic types of an IDL file with idlc and adds them, and the folder of their header, to `target`.
-# A file of topics that includes dds_rmi.idl needs the header dds_rmi.h, which RMI::layer gives.
-function(ddsrmi_compile_topics target idl)
-    get_filename_component(idl ${idl} ABSOLUTE)
-    get_filename_component(stem ${idl} NAME_WLE)
-    set(folder ${CMAKE_CURRENT_BINARY_DIR}/generated)
-    file(MAKE_DIRECTORY ${folder})
-
-    # The names of folders that idlc writes into its output would make it differ between builds.
-    add_custom_command(
-        OUTPUT ${folder}/${stem}.c ${folder}/${stem}.h
-        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${idl} ${folder}
-        COMMAND ${IDLC} -l c -x final -I ${DDSRMI_IDL_FOLDER} ${stem}.idl
-        COMMAND sed -i "s,${folder}/,," ${stem}.c ${stem}.h
-        WORKING_DIRECTORY ${folder}
-        DEPENDS ${idl} ${DDSRMI_IDL_FOLDER}/dds_rmi.idl
-        COMMENT "Compiling the topics of ${stem}.idl"
-        VERBATIM)
-
-    find_package(CycloneDDS REQUIRED)
-    target_sources(${target} PRIVATE ${folder}/${stem}.c ${folder}/${stem}.h)
-    # The code is idlc's, so our warnings do not apply to it.
-    set_source_files_properties(${folder}/${stem}.c PROPERTIES COMPILE_OPTIONS "-w")
-    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${folder}>)
-    target_link_libraries(${target} PRIVATE CycloneDDS::ddsc)
-    # Under the GNU dialect words such as "linux" are macros, and could not be names of members.
-    set_target_properties(${target} PROPERTIES C_EXTENSIONS OFF)
-endfunction()
 
 # Makes the shared library `target` from an interface file: the proxy and the reply handlers for clients, and the
 # skeleton for servers. Whoever links it may include the generated headers.
@@ -54,7 +23,8 @@ function(rmi_interface_library target)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/generated)
     file(MAKE_DIRECTORY ${folder})
 
-    set(headers ${folder}/${stem}_InterfaceInfo.h ${folder}/${stem}_InterfaceProxy.h ${folder}/${stem}_Interface.h)
+    set(headers ${folder}/${stem}_Types.h ${folder}/${stem}_InterfaceInfo.h
+                ${folder}/${stem}_InterfaceProxy.h ${folder}/${stem}_Interface.h)
     set(sources ${folder}/${stem}_InterfaceInfo.cpp ${folder}/${stem}_InterfaceProxy.cpp ${folder}/${stem}_Interface.cpp)
     file(GLOB generator CONFIGURE_DEPENDS ${DDSRMI_GENERATOR_FOLDER}/ddsrmi_be/*.py)
 

@@ -3,6 +3,7 @@
 #   rmi_interface_library(...)      makes an interface library from an interface file
 if(RMI_PROVIDER STREQUAL "embedded")
     include(RmiInterfaceLibrary)
+    include(DdsTopics)
     add_subdirectory(${PROJECT_SOURCE_DIR}/ddsrmi)
 elseif(RMI_PROVIDER STREQUAL "opensplice")
     include(OpenSpliceRmi)

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <limits>
+#include <string>
 
 namespace org::opensplice::DDS_RMI {
 
@@ -18,6 +19,16 @@ To same_bits(From from)
 }
 
 constexpr unsigned bits_in_a_byte = 8;
+
+// Throws BAD_PARAM for more than can be counted in 32 bits, too.
+void require_within(std::size_t count, DDS::ULong bound, const char* what, const char* unit)
+{
+    const DDS::ULong most = bound == 0 ? std::numeric_limits<DDS::ULong>::max() : bound;
+    if (count > most)
+        throw BAD_PARAM((std::string(what) + ": " + std::to_string(count) + ' ' + unit + ", where " +
+                         std::to_string(most) + " are allowed")
+                            .c_str());
+}
 
 const EncodedResult& result_of(const DDS::ReadCondition& condition)
 {
@@ -49,6 +60,26 @@ void Encoder::put(const char* text)
     m_bytes.insert(m_bytes.end(), present, present + size);
 }
 
+void Encoder::put(const char* text, DDS::ULong bound, const char* what)
+{
+    if (text != nullptr && bound != 0)
+        require_within(std::strlen(text), bound, what, "characters");
+    put(text);
+}
+
+void Encoder::put(const std::string& text, DDS::ULong bound, const char* what)
+{
+    if (text.find('\0') != std::string::npos)
+        throw BAD_PARAM((std::string(what) + ": a text cannot have a NUL inside").c_str());
+    put(text.c_str(), bound, what);
+}
+
+void Encoder::put_count(std::size_t count, DDS::ULong bound, const char* what)
+{
+    require_within(count, bound, what, "elements");
+    put(static_cast<DDS::ULong>(count));
+}
+
 void Encoder::put_number(DDS::ULongLong value, std::size_t size)
 {
     for (std::size_t i = 0; i < size; ++i)
@@ -77,6 +108,21 @@ void Decoder::get(DDS::String& text)
     if (size == 0 || characters[size - 1] != 0)
         throw DecodingError();
     text = reinterpret_cast<DDS::String>(characters);
+}
+
+void Decoder::get(DDS::String& text, DDS::ULong bound)
+{
+    get(text);
+    if (bound != 0 && std::strlen(text) > bound)
+        throw DecodingError();
+}
+
+std::size_t Decoder::get_count(DDS::ULong bound, std::size_t least_size)
+{
+    const auto count = static_cast<std::size_t>(number(sizeof(DDS::ULong)));
+    if ((bound != 0 && count > bound) || count > m_left / least_size)
+        throw DecodingError();
+    return count;
 }
 
 void Decoder::finish() const

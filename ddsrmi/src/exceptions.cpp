@@ -28,4 +28,12 @@ SERVICE_NOT_FOUND::~SERVICE_NOT_FOUND() noexcept = default;
 BAD_INV_ORDER::BAD_INV_ORDER(const char* message) : SystemException(message) {}
 BAD_INV_ORDER::~BAD_INV_ORDER() noexcept = default;
 
+UserException::UserException(const char* name) : m_name(name) {}
+UserException::~UserException() noexcept = default;
+
+const char* UserException::what() const noexcept
+{
+    return m_name;
+}
+
 } // namespace org::opensplice::DDS_RMI

@@ -7,6 +7,16 @@
 
 namespace org::opensplice::DDS_RMI {
 
+namespace {
+
+/// The server answers every call, and so grants room for more; nobody wants to know what.
+class Unheeded final : public CAsyncReplyHandlerImpl
+{
+    void handleReply(DDS::ReadCondition* /*condition*/) override {}
+};
+
+} // namespace
+
 CInterfaceProxy::CInterfaceProxy(const ProxySeed& seed) : m_channel(seed.channel) {}
 
 CInterfaceProxy::~CInterfaceProxy()
@@ -32,6 +42,11 @@ void CInterfaceProxy::send_request(std::size_t operation, const Encoder& request
                                    CAsyncReplyHandlerImpl* handler)
 {
     m_channel->send(operation, request.bytes(), Handler(handler));
+}
+
+void CInterfaceProxy::send_oneway(std::size_t operation, const Encoder& request)
+{
+    m_channel->send(operation, request.bytes(), Handler(new Unheeded));
 }
 
 void CInterfaceProxy::send_request_and_wait(std::size_t operation, const Encoder& request,

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// Serves the interfaces of probe.idl until its standard input ends.
+// Serves the interfaces of probe.idl and composed.idl until its standard input ends.
 
 #include <iostream>
 #include <sstream>
 #include <string>
 #include <thread>
 
+#include "composed_server.h"
 #include "ddsrmi.h"
 #include "probe_Interface.h"
 
@@ -102,7 +103,10 @@ bool offer_all()
     return offer<DDS_RMI::Probe::EchoInterface, EchoServer>("echo") &&
            offer<DDS_RMI::Probe::NamesInterface, NamesServer>("names") &&
            offer<DDS_RMI::Outer::Inner::EchoInterface, GreetingServer>("greeting") &&
-           offer<DDS_RMI::Probe::LaterInterface, NumberServer>("number");
+           offer<DDS_RMI::Probe::LaterInterface, NumberServer>("number") &&
+           offer<DDS_RMI::Composed::StationInterface, composed::StationServer>("station") &&
+           offer<DDS_RMI::Composed::NamesInterface, composed::NamesServer>("other names") &&
+           offer<DDS_RMI::Composed::Inner::SwapperInterface, composed::SwapperServer>("swapper");
 }
 
 void wait_for_end_of_input()

@@ -1,28 +1,46 @@
 # SPDX-License-Identifier: Apache-2.0
 """Refuses what would give two things in the generated code the same name, or one a name that is too long. Each
-refusal is a line and a reason. To be asked about interfaces that are otherwise in order."""
+refusal is a line and a reason. To be asked about declarations that are otherwise in order."""
 
-from ddsrmi_be import model
+from omniidl import idlast
+
+from ddsrmi_be import codecs, idl_types, model
 
 # DDS carries the name of a topic in a field of 256 bytes, its end included.
 _LONGEST_TOPIC = 255
 
 
-def refusals(declarations):
-    found = [(declaration, model.interface(declaration)) for declaration in declarations]
-    yield from _same_names(found)
+def refusals(declarations, types):
+    found = [(declaration, model.interface(declaration, frozenset())) for declaration in declarations]
+    yield from _same_names(found, types)
     classes = {name.split("::")[-1] for pair in found for _, name, _ in _class_names(*pair)}
     for declaration, interface in found:
         yield from _long_topics(declaration, interface)
         yield from _hidden_classes(declaration, classes)
 
 
-def _same_names(found):
+def _same_names(found, types):
     owners = {}
+    names = [entry for declaration in types for entry in _type_names(declaration)]
     for pair in found:
-        for line, name, owner in [*_class_names(*pair), *_member_names(*pair)]:
-            if owners.setdefault(name, owner) != owner:
-                yield line, "%s and %s would both be given the name '%s'" % (owners[name], owner, name)
+        names += [*_class_names(*pair), *_helper_names(*pair), *_member_names(*pair)]
+    for line, name, owner in names:
+        if owners.setdefault(name, owner) != owner:
+            yield line, "%s and %s would both be given the name '%s'" % (owners[name], owner, name)
+
+
+def _type_names(declaration):
+    """What a type or a constant brings into its namespace, as line, name and what it is for."""
+    named = [declaration]
+    if isinstance(declaration, idlast.Typedef):
+        named = declaration.declarators()
+    elif isinstance(declaration, idlast.Enum):
+        named = [declaration] + declaration.enumerators()
+    for one in named:
+        name = idl_types.scoped_name(one)
+        yield one.line(), name, "'%s'" % name
+        if codecs.having_codecs([one]):
+            yield one.line(), name + "_Codec", "'%s'" % name
 
 
 def _class_names(declaration, interface):
@@ -32,13 +50,24 @@ def _class_names(declaration, interface):
         yield declaration.line(), namespace + name, "interface '%s'" % interface.scoped_name
     yield declaration.line(), interface.topic("request"), "interface '%s'" % interface.scoped_name
     for line, operation in _lines(declaration, interface):
-        yield line, namespace + operation.handler, _named(operation)
+        if not operation.is_oneway:
+            yield line, namespace + operation.handler, _named(operation)
+
+
+def _helper_names(declaration, interface):
+    """What it brings into the namespaces of the source files, in the same form."""
+    namespace = "::".join(interface.modules) + "::"
+    yield declaration.line(), namespace + "rmi", "generated code"
+    yield declaration.line(), namespace + interface.factory, "interface '%s'" % interface.scoped_name
+    for line, operation in _lines(declaration, interface):
+        for name in (operation.waiter, operation.runner, operation.raiser):
+            yield line, namespace + name, _named(operation)
 
 
 def _member_names(declaration, interface):
     """What an interface brings into its own classes, in the same form."""
     for line, operation in _lines(declaration, interface):
-        for name in (operation.name, operation.async_name):
+        for name in [operation.name] + ([] if operation.is_oneway else [operation.async_name]):
             yield line, "%s::%s" % (interface.scoped_name, name), _named(operation)
 
 

@@ -26,9 +26,9 @@ def _include_lines(includes):
     return "".join("#include %s\n" % include if include else "\n" for include in includes)
 
 
-def in_namespace(interface, parts):
-    """`parts` inside the namespace of an interface."""
-    scopes = ("DDS_RMI",) + interface.modules
+def in_namespace(modules, parts):
+    """`parts` inside the namespace that belongs to modules of the interface file."""
+    scopes = ("DDS_RMI",) + tuple(modules)
     opening = "".join("namespace %s {\n" % scope for scope in scopes)
     closing = "".join("} // namespace %s\n" % scope for scope in reversed(scopes))
     return "\n".join([opening] + list(parts) + [closing])

@@ -1,18 +1,42 @@
 # SPDX-License-Identifier: Apache-2.0
-"""What the RMI layer is told of the interfaces; the proxies and the skeletons both refer to it."""
+"""What the proxies and the skeletons share: what the RMI layer is told of the interfaces, and how types travel."""
 
-from ddsrmi_be import cpp_layout
+from itertools import groupby
+
+from ddsrmi_be import codecs, cpp_layout, types_header
 
 _TYPE = "const org::opensplice::DDS_RMI::InterfaceInfo&"
 
 
-def files(source, stem, interfaces):
+def files(source, stem, interfaces, types, constants):
     header = stem + "_InterfaceInfo.h"
-    declarations = [cpp_layout.in_namespace(interface, [_declaration(interface)]) for interface in interfaces]
-    definitions = [cpp_layout.in_namespace(interface, [_definition(interface)]) for interface in interfaces]
-    yield header, cpp_layout.header(source, header, ['"ddsrmi/interface_info.h"'], declarations)
-    includes = ['"%s"' % header]
+    declarations = list(_codec_declarations(types))
+    definitions = list(_codec_definitions(types, constants))
+    for interface in interfaces:
+        declarations.append(cpp_layout.in_namespace(interface.modules, [_declaration(interface)]))
+        definitions.append(cpp_layout.in_namespace(interface.modules, [_definition(interface)]))
+    has_codecs = len(codecs.having_codecs(types)) > 0
+    yield header, cpp_layout.header(source, header, _header_includes(stem, has_codecs), declarations)
+    includes = ['"%s"' % header] + (["", '"ddsrmi/codecs.h"'] if has_codecs else [])
     yield stem + "_InterfaceInfo.cpp", cpp_layout.implementation(source, includes, definitions)
+
+
+def _header_includes(stem, has_codecs):
+    own = ['"ddsrmi/interface_info.h"']
+    if not has_codecs:
+        return own
+    return ["<cstddef>", "", '"ddsrmi/encoding.h"'] + own + ['"%s"' % types_header.name(stem)]
+
+
+def _codec_declarations(types):
+    for modules, group in groupby(codecs.having_codecs(types), key=types_header.modules):
+        yield cpp_layout.in_namespace(modules, map(codecs.declaration, group))
+
+
+def _codec_definitions(types, constants):
+    for modules, group in groupby(codecs.having_codecs(types), key=types_header.modules):
+        parts = [part for declared in group for part in codecs.definitions(declared, constants)]
+        yield cpp_layout.in_namespace(modules, [cpp_layout.unnamed_namespace([])] + parts)
 
 
 def _declaration(interface):
@@ -20,15 +44,16 @@ def _declaration(interface):
 
 
 def _definition(interface):
-    statements = ["static const org::opensplice::DDS_RMI::OperationInfo operations[] = {"]
+    operations, info = interface.local("operations"), interface.local("info")
+    statements = ["static const org::opensplice::DDS_RMI::OperationInfo %s[] = {" % operations]
     for operation in interface.operations:
         row = '    {"%s", "%s", 0x%016xULL},'
         statements.append(row % (operation.name, operation.signature, operation.hash))
     statements += [
         "};",
-        "static const org::opensplice::DDS_RMI::InterfaceInfo info = {",
+        "static const org::opensplice::DDS_RMI::InterfaceInfo %s = {" % info,
         '    "%s", "%s", "%s",' % (interface.scoped_name, interface.topic("request"), interface.topic("reply")),
-        "    operations, sizeof operations / sizeof operations[0]};",
-        "return info;",
+        "    {0}, sizeof {0} / sizeof {0}[0]}};".format(operations),
+        "return %s;" % info,
     ]
     return cpp_layout.function("%s %s()" % (_TYPE, interface.info), statements)

@@ -1,49 +1,62 @@
 # SPDX-License-Identifier: Apache-2.0
 """The client side: the proxies and the bases of the reply handlers."""
 
-from ddsrmi_be import cpp_layout
+from ddsrmi_be import cpp_layout, waiter
 from ddsrmi_be.reserved_names import free_name
 
 _RMI = "org::opensplice::DDS_RMI::"
 
 
-def files(source, stem, interfaces):
+def files(source, stem, interfaces, includes):
     header = stem + "_InterfaceProxy.h"
-    declarations = [cpp_layout.in_namespace(interface, _declarations(interface)) for interface in interfaces]
-    definitions = [cpp_layout.in_namespace(interface, _definitions(interface)) for interface in interfaces]
-    yield header, cpp_layout.header(source, header, ['"ddsrmi.h"'], declarations)
-    includes = ['"%s"' % header, "", "<memory>", "", '"ddsrmi/encoding.h"', '"%s_InterfaceInfo.h"' % stem]
-    yield stem + "_InterfaceProxy.cpp", cpp_layout.implementation(source, includes, definitions)
+    declarations = [cpp_layout.in_namespace(interface.modules, _declarations(interface)) for interface in interfaces]
+    definitions = [cpp_layout.in_namespace(interface.modules, _definitions(interface)) for interface in interfaces]
+    yield header, cpp_layout.header(source, header, includes.header, declarations)
+    standard = ["<memory>"] + (["<utility>"] if includes.moves else [])
+    all_includes = ['"%s"' % header, ""] + standard + [""] + includes.source
+    yield stem + "_InterfaceProxy.cpp", cpp_layout.implementation(source, all_includes, definitions)
 
 
 # The header.
 
 
 def _declarations(interface):
-    return [_handler_class(operation) for operation in interface.operations] + [_proxy_class(interface)]
+    return [_handler_class(operation) for operation in _answered(interface)] + [_proxy_class(interface)]
+
+
+def _answered(interface):
+    return [operation for operation in interface.operations if not operation.is_oneway]
 
 
 def _handler_class(operation):
     return """\
 /// Receives the reply of one call of {proxy}::{async_name}.
-class {handler} : public {rmi}CAsyncReplyHandlerImpl {{
+{failure}class {handler} : public {rmi}CAsyncReplyHandlerImpl {{
 public:
     ~{handler}() override;
     void handleReply(DDS::ReadCondition* condition) override;
-{comment}    virtual void {hook}({result}) = 0;
+{comment}    {hook} = 0;
 }};
 """.format(proxy=operation.interface.proxy, async_name=operation.async_name, handler=operation.handler, rmi=_RMI,
-           comment=_hook_comment(operation), hook=operation.hook, result=_hook_parameter(operation))
+           failure=_exceptions_comment(operation), comment=_hook_comment(operation),
+           hook=cpp_layout.signature("virtual void " + operation.hook, operation.hook_parameters, "    "))
+
+
+def _exceptions_comment(operation):
+    if not operation.raised:
+        return ""
+    names = "".join("///   %s\n" % exception.cpp for exception in operation.raised)
+    return "/// A CallFailureHandler learns of these exceptions of the implementation:\n" + names
 
 
 def _hook_comment(operation):
+    if operation.returns_composed:
+        return "    /// Texts and what is referred to stay the RMI layer's and are valid until the function returns.\n"
+    if any(argument.type.is_text for argument in operation.returned):
+        return "    /// The texts stay the RMI layer's and are valid until the function returns.\n"
     if not operation.result.is_text:
         return ""
     return "    /// The text stays the RMI layer's and is valid until the function returns.\n"
-
-
-def _hook_parameter(operation):
-    return "" if operation.result.is_void else operation.result.cpp + " result"
 
 
 def _proxy_class(interface):
@@ -52,7 +65,7 @@ def _proxy_class(interface):
 /// Of each pair of operations the first waits for the reply and throws TIMEOUT when none comes in time; the
 /// second returns at once, and the handler receives the reply. A text argument is the callee's, which frees it
 /// with DDS::string_free, also when it throws; a text result is the caller's to free.
-class {proxy} : public {rmi}CInterfaceProxy {{
+{returned}{oneway}class {proxy} : public {rmi}CInterfaceProxy {{
 public:
     explicit {proxy}(const {rmi}ProxySeed& seed);
     ~{proxy}() override;
@@ -61,12 +74,31 @@ public:
     /// Makes the interface known to the lookup.
     static void _register_service_info();
 }};
-""".format(scoped_name=interface.scoped_name, proxy=interface.proxy, rmi=_RMI,
-           operations="\n".join(_operation_pair(operation) for operation in interface.operations))
+""".format(scoped_name=interface.scoped_name, proxy=interface.proxy, rmi=_RMI, returned=_returned_comment(interface),
+           oneway=_oneway_comment(interface),
+           operations="\n".join(_operation_functions(operation) for operation in interface.operations))
 
 
-def _operation_pair(operation):
+def _returned_comment(interface):
+    if not any(argument.type.is_text for operation in interface.operations for argument in operation.returned):
+        return ""
+    return """\
+/// A text that an argument gives back is the caller's to free, too. What the caller has in a text argument that
+/// goes both ways is freed when another takes its place; when the call throws, it stays the caller's. (The
+/// asynchronous form takes it over like any other.)
+"""
+
+
+def _oneway_comment(interface):
+    if len(_answered(interface)) == len(interface.operations):
+        return ""
+    return "/// A oneway operation returns when the call has been accepted, and has no second form.\n"
+
+
+def _operation_functions(operation):
     waiting = _declaration(operation.result.cpp, operation.name, operation.parameters)
+    if operation.is_oneway:
+        return waiting
     return waiting + _declaration("void", operation.async_name, _async_parameters(operation))
 
 
@@ -75,12 +107,8 @@ def _declaration(result, name, parameters):
 
 
 def _async_parameters(operation):
-    return operation.parameters + ["%s* %s" % (operation.handler, _local("handler", operation))]
-
-
-def _local(wanted, operation):
-    """A name for something inside an operation, other than its arguments' names."""
-    return free_name(wanted, {argument.name for argument in operation.arguments})
+    given = [argument.read_only for argument in operation.given]
+    return given + ["%s* %s" % (operation.handler, operation.local("handler"))]
 
 
 # The source file.
@@ -88,50 +116,34 @@ def _local(wanted, operation):
 
 def _definitions(interface):
     yield cpp_layout.unnamed_namespace(_helpers(interface))
-    for operation in interface.operations:
+    for operation in _answered(interface):
         yield _handler_members(operation)
     yield _constructor_and_destructor(interface)
     for operation in interface.operations:
-        yield _waiting_form(operation)
-        yield _starting_form(operation)
+        yield _oneway_form(operation) if operation.is_oneway else _waiting_form(operation)
+        if not operation.is_oneway:
+            yield _starting_form(operation)
     yield _registration(interface)
 
 
 def _helpers(interface):
-    for operation in interface.operations:
-        yield _waiter_class(operation)
-    signature = "rmi::CInterfaceProxy* %s(const rmi::ProxySeed& seed)" % _factory_name(interface)
-    yield cpp_layout.function(signature, ["return new %s(seed);" % interface.proxy])
+    for operation in _answered(interface):
+        yield waiter.definition(operation)
+        if operation.raised:
+            yield _raiser(operation)
+    seed = interface.local("seed")
+    signature = "rmi::CInterfaceProxy* %s(const rmi::ProxySeed& %s)" % (interface.factory, seed)
+    yield cpp_layout.function(signature, ["return new %s(%s);" % (interface.proxy, seed)])
 
 
-def _factory_name(interface):
-    return "make_%s_proxy" % interface.name
-
-
-def _waiter_name(operation):
-    return free_name("%s_%s_Waiter" % (operation.interface.name, operation.name), operation.interface.argument_names)
-
-
-def _waiter_class(operation):
-    store, access, member = _waiter_parts(operation)
-    return """\
-class {name} : public {handler} {{
-public:
-    void {hook}({parameter}) override {{{store}}}
-{access}}};
-""".format(name=_waiter_name(operation), handler=operation.handler, hook=operation.hook, store=store,
-           parameter=_hook_parameter(operation), access=access + member)
-
-
-def _waiter_parts(operation):
-    """How the result is stored, how it is fetched, and where it is kept."""
-    if operation.result.is_void:
-        return "", "", ""
-    fetch = "    %s result() %s\n" % (operation.result.cpp, "{ return m_result.release(); }")
-    if operation.result.is_text:
-        return " m_result.reset(DDS::string_dup(result)); ", fetch, "\nprivate:\n    std::unique_ptr<char[]> m_result;\n"
-    fetch = "    %s result() const { return m_result; }\n" % operation.result.cpp
-    return " m_result = result; ", fetch, "\nprivate:\n    %s m_result = %s();\n" % ((operation.result.cpp,) * 2)
+def _raiser(operation):
+    """Throws what the reply says that the implementation threw. Exceptions have the numbers of their places."""
+    reply = operation.local("reply")
+    statements = ["switch (rmi::codec::raised(%s)) {" % reply, "case rmi::codec::nothing_raised:", "    return;"]
+    for number, exception in enumerate(operation.raised, 1):
+        statements += ["case %d:" % number, "    rmi::codec::rethrow<%s>(%s);" % (exception.codec, reply)]
+    statements += ["default:", "    throw rmi::DecodingError();", "}"]
+    return cpp_layout.function("void %s(rmi::Decoder& %s)" % (operation.raiser, reply), statements)
 
 
 def _handler_members(operation):
@@ -140,38 +152,51 @@ def _handler_members(operation):
 
 
 def _handle_reply(operation):
-    statements = ["rmi::Decoder reply(*condition);"]
-    if not operation.result.is_void:
-        statements += ["%s result;" % operation.result.cpp, "reply.get(result);"]
-    statements += ["reply.finish();", "%s(%s);" % (operation.hook, "" if operation.result.is_void else "result")]
-    signature = "void %s::handleReply(DDS::ReadCondition* condition)" % operation.handler
+    reply, condition = operation.local("reply"), operation.local("condition")
+    statements = ["rmi::Decoder %s(*%s);" % (reply, condition)]
+    if operation.raised:
+        statements.append("%s(%s);" % (operation.raiser, reply))
+    names = []
+    for type, name in operation.returned_values:
+        statements += ["%s %s;" % (type.cpp, name), type.get(reply, name)]
+        names.append(name)
+    statements += ["%s.finish();" % reply, "%s(%s);" % (operation.hook, ", ".join(names))]
+    signature = "void %s::handleReply(DDS::ReadCondition* %s)" % (operation.handler, condition)
     return cpp_layout.function(signature, statements)
 
 
 def _constructor_and_destructor(interface):
     return """\
-{proxy}::{proxy}(const rmi::ProxySeed& seed) : rmi::CInterfaceProxy(seed) {{}}
+{proxy}::{proxy}(const rmi::ProxySeed& {seed}) : rmi::CInterfaceProxy({seed}) {{}}
 
 {proxy}::~{proxy}() = default;
-""".format(proxy=interface.proxy)
+""".format(proxy=interface.proxy, seed=interface.local("seed"))
 
 
 def _waiting_form(operation):
-    waiter = _local("waiter", operation)
-    name = _waiter_name(operation)
-    statements = _make_request(operation) + [
-        "const rmi::shared_ptr<%s> %s(new %s);" % (name, waiter, name),
-        "send_request_and_wait(%s, %s, %s);" % (_index(operation), _local("request", operation), waiter),
+    waiting = operation.local("waiter")
+    name = operation.waiter
+    statements = _make_request(operation, _given_away(operation)) + [
+        "const rmi::shared_ptr<%s> %s(new %s);" % (name, waiting, name),
+        "send_request_and_wait(%s, %s, %s);" % (_index(operation), operation.local("request"), waiting),
     ]
+    if operation.returned:
+        statements.append("%s->give(%s);" % (waiting, ", ".join(argument.name for argument in operation.returned)))
     if not operation.result.is_void:
-        statements.append("return %s->result();" % waiter)
+        statements.append("return %s->result();" % waiting)
     return _member(operation, operation.result.cpp, operation.name, operation.parameters, statements)
 
 
 def _starting_form(operation):
-    arguments = (_index(operation), _local("request", operation), _local("handler", operation))
-    statements = _make_request(operation) + ["send_request(%s, %s, %s);" % arguments]
+    arguments = (_index(operation), operation.local("request"), operation.local("handler"))
+    statements = _make_request(operation, operation.given) + ["send_request(%s, %s, %s);" % arguments]
     return _member(operation, "void", operation.async_name, _async_parameters(operation), statements)
+
+
+def _oneway_form(operation):
+    statements = _make_request(operation, _given_away(operation))
+    statements.append("send_oneway(%s, %s);" % (_index(operation), operation.local("request")))
+    return _member(operation, "void", operation.name, operation.parameters, statements)
 
 
 def _member(operation, result, name, parameters, statements):
@@ -183,16 +208,21 @@ def _index(operation):
     return operation.interface.operations.index(operation)
 
 
-def _make_request(operation):
-    request = _local("request", operation)
-    statements = list(_owners(operation)) + ["rmi::Encoder %s;" % request]
-    return statements + ["%s.put(%s);" % (request, a.type.to_encode(a.name)) for a in operation.arguments]
+def _given_away(operation):
+    """The arguments whose texts a waiting caller gives away."""
+    return [argument for argument in operation.given if not argument.is_out]
 
 
-def _owners(operation):
+def _make_request(operation, given_away):
+    request = operation.local("request")
+    statements = list(_owners(operation, given_away)) + ["rmi::Encoder %s;" % request]
+    return statements + [argument.type.put(request, argument.name, argument.what) for argument in operation.given]
+
+
+def _owners(operation, given_away):
     """First of all the texts get owners, so that they are freed whichever way the operation ends."""
-    taken = {argument.name for argument in operation.arguments}
-    for argument in operation.arguments:
+    taken = {argument.name for argument in operation.arguments} | operation.interface.constants
+    for argument in given_away:
         if argument.type.is_text:
             owner = free_name("owned_" + argument.name, taken)
             taken.add(owner)
@@ -200,6 +230,7 @@ def _owners(operation):
 
 
 def _registration(interface):
-    arguments = (interface.info, _factory_name(interface))
-    statements = ["static const rmi::ProxyRegistration registration(%s(), %s);" % arguments]
+    registration = interface.local("registration")
+    arguments = (registration, interface.info, interface.factory)
+    statements = ["static const rmi::ProxyRegistration %s(%s(), %s);" % arguments]
     return cpp_layout.function("void %s::_register_service_info()" % interface.proxy, statements)

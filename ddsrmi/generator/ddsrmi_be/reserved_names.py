@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """Names that an interface file cannot use, because what is generated from it would not compile."""
 
+import errno
+
 # Keywords of C and C++ up to C++20, and the macros that their standard headers make of plain words.
 _C_AND_CPP = frozenset("""
     alignas alignof and and_eq asm assert auto bitand bitor bool break case catch char char8_t char16_t char32_t
@@ -12,12 +14,15 @@ _C_AND_CPP = frozenset("""
     typeid typename typeof union unix unsigned using virtual void volatile wchar_t while xor xor_eq
     """.split())
 
+# Macros that the headers which generated code includes bring with them.
+_MACROS = frozenset(errno.errorcode.values()) | {"BUFSIZ", "EOF", "WEOF"}
+
 # Scopes that the generated code refers to.
 _SCOPES = frozenset(("dds", "dds_rmi", "org", "std"))
 
 # Members of the classes that proxies and skeletons derive from.
 _MEMBERS = frozenset("""
-    dec_refcount getTimeout inc_refcount m_channel send_request send_request_and_wait setTimeout
+    dec_refcount getTimeout inc_refcount m_channel send_oneway send_request send_request_and_wait setTimeout
     """.split())
 
 
@@ -25,6 +30,8 @@ def objection(name):
     """Why `name` cannot be used for anything; None when it can."""
     if name in _C_AND_CPP:
         return "is a word of C or C++"
+    if name in _MACROS:
+        return "is a macro of the C library"
     if name.lower() in _SCOPES:
         return "is a scope that the generated code needs"
     return None
@@ -33,6 +40,11 @@ def objection(name):
 def is_member(name):
     """Whether a class that proxies or skeletons derive from has a member of that name."""
     return name in _MEMBERS
+
+
+def is_exception_member(name):
+    """Whether the class that exceptions derive from has a member of that name."""
+    return name == "what"
 
 
 def free_name(wanted, taken):

@@ -3,6 +3,8 @@
 #define DDSRMI_ENCODING_H
 
 #include <cstddef>
+#include <exception>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -10,7 +12,8 @@
 #include "ddsrmi/exceptions.h"
 
 // How the arguments of a request and the result of a reply travel: one behind the other, numbers with their
-// lowest byte first, a text as the count of its bytes (its NUL included) and the bytes. For generated code.
+// lowest byte first, a text as the count of its bytes (its NUL included) and the bytes, a sequence as the
+// count of its elements and the elements. For generated code.
 
 namespace org {
 namespace opensplice {
@@ -22,6 +25,18 @@ class DecodingError : public virtual SystemException
 public:
     DecodingError();
     ~DecodingError() noexcept override;
+};
+
+/// What the handler of a reply throws when the reply says that the implementation threw a UserException:
+/// apart from what a reply hook throws itself.
+class RaisedException
+{
+public:
+    explicit RaisedException(const std::exception_ptr& exception) : m_exception(exception) {}
+    [[noreturn]] void rethrow() const { std::rethrow_exception(m_exception); }
+
+private:
+    std::exception_ptr m_exception;
 };
 
 /// Collects values as bytes.
@@ -41,6 +56,13 @@ public:
     void put(DDS::Double value);
     /// Null counts as the empty text. Throws BAD_PARAM for a text of 4 GiB.
     void put(const char* text);
+    /// Throws BAD_PARAM, which names `what`, for a text of more than `bound` characters, unless that is 0.
+    void put(const char* text, DDS::ULong bound, const char* what);
+    /// The same, also for a text with a NUL inside.
+    void put(const std::string& text, DDS::ULong bound, const char* what);
+    /// Of the elements of a sequence. Throws BAD_PARAM, which names `what`, for more than `bound`, unless
+    /// that is 0.
+    void put_count(std::size_t count, DDS::ULong bound, const char* what);
 
     const std::vector<DDS::Octet>& bytes() const { return m_bytes; }
     std::vector<DDS::Octet> release() { return std::move(m_bytes); }
@@ -79,6 +101,11 @@ public:
     void get(DDS::Double& value);
     /// The text stays where it is, among the decoder's bytes.
     void get(DDS::String& text);
+    /// Throws also for a text of more than `bound` characters, unless that is 0.
+    void get(DDS::String& text, DDS::ULong bound);
+    /// Of the elements of a sequence. Throws also for more than `bound`, unless that is 0, and for more than
+    /// are left when each takes up at least that size.
+    std::size_t get_count(DDS::ULong bound, std::size_t least_size);
 
     /// Throws DecodingError when there is something left.
     void finish() const;

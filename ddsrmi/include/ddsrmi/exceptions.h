@@ -63,6 +63,24 @@ public:
     ~BAD_INV_ORDER() noexcept override;
 };
 
+/// Base of the exceptions that interface files declare. An implementation throws them; the caller gets them.
+class UserException : public virtual std::exception
+{
+public:
+    ~UserException() noexcept override;
+    /// The exception's name in the interface file, e.g. "M::TooHot".
+    const char* what() const noexcept override;
+
+protected:
+    /// The name stays the caller's and must outlive the exception and its copies.
+    explicit UserException(const char* name);
+    UserException(const UserException&) = default;
+    UserException& operator=(const UserException&) = default;
+
+private:
+    const char* m_name;
+};
+
 } // namespace DDS_RMI
 } // namespace opensplice
 } // namespace org

@@ -52,16 +52,18 @@ private:
     ProxyFactory m_factory;
 };
 
-/// Frees a text argument that a generated proxy operation was given, whichever way the operation ends.
+/// Frees a text that generated code was given, whichever way its function ends.
 class OwnedString
 {
 public:
-    explicit OwnedString(DDS::String text) : m_text(text) {}
+    explicit OwnedString(DDS::String text = nullptr) : m_text(text) {}
     ~OwnedString() { DDS::string_free(m_text); }
     OwnedString(const OwnedString&) = delete;
     OwnedString& operator=(const OwnedString&) = delete;
 
     DDS::String get() const { return m_text; }
+    /// For who puts another text in its place and frees what was there.
+    DDS::String& slot() { return m_text; }
 
 private:
     DDS::String m_text;

@@ -22,9 +22,10 @@ class RequestChannel;
 /// thread of the proxy's own. When the last handle is dropped, outstanding requests are given up and, once
 /// that has returned, no reply hook of the proxy is running (but the one that dropped it) or will run.
 ///
-/// A call throws SERVICE_NOT_FOUND at once when no server is there, TIMEOUT when the server's queues stay
-/// full for the blocking time (1 s), BAD_PARAM when the server's version of the interface has no such
-/// operation, BAD_INV_ORDER when the runtime has been stopped.
+/// A call throws BAD_PARAM when an argument is not of its type (a bounded text or sequence that is too long,
+/// an enum without that value, a text with a NUL inside), SERVICE_NOT_FOUND at once when no server is there,
+/// TIMEOUT when the server's queues stay full for the blocking time (1 s), BAD_PARAM when the server's
+/// version of the interface has no such operation, BAD_INV_ORDER when the runtime has been stopped.
 class CInterfaceProxy : public virtual RefCounted
 {
 public:
@@ -42,10 +43,13 @@ protected:
     /// has been delivered or the call has ended without one (see call_failure.h).
     void send_request(std::size_t operation, const Encoder& request, CAsyncReplyHandlerImpl* handler);
 
-    /// The same, and waits until `handler` has received the reply. Throws INTERNAL_ERROR when the
-    /// implementation has failed, SERVICE_NOT_FOUND when the server was lost meanwhile, TIMEOUT when no reply
-    /// comes in time, and BAD_INV_ORDER when the runtime is stopped meanwhile or on the thread that delivers
-    /// this proxy's replies.
+    /// The same for an operation that nobody waits for: how it ends is told on standard error if it fails.
+    void send_oneway(std::size_t operation, const Encoder& request);
+
+    /// The same, and waits until `handler` has received the reply. Throws what the operation raises,
+    /// INTERNAL_ERROR when the implementation has failed, SERVICE_NOT_FOUND when the server was lost
+    /// meanwhile, TIMEOUT when no reply comes in time, and BAD_INV_ORDER when the runtime is stopped
+    /// meanwhile or on the thread that delivers this proxy's replies.
     void send_request_and_wait(std::size_t operation, const Encoder& request,
                                const shared_ptr<CAsyncReplyHandlerImpl>& handler);
 

@@ -19,12 +19,13 @@ struct Words
 };
 
 // In the order of CallFailure.
-constexpr std::array<Words, 5> words{{
+constexpr std::array<Words, 6> words{{
     {"have no reply for", "the implementation failed"},
     {"have no reply for", "its server does not know the operation"},
     {"lost", "its server has gone, or was replaced"},
     {"gave up", "no reply in time"},
     {"gave up", "the proxy was released or the runtime stopped"},
+    {"have no handler of exceptions for", "the implementation raised one"},
 }};
 
 } // namespace

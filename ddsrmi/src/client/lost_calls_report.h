@@ -26,7 +26,7 @@ public:
     Clock::time_point due() const;
 
 private:
-    static constexpr std::size_t reasons = 5;
+    static constexpr std::size_t reasons = 6;
 
     std::string m_service;
     std::array<std::size_t, reasons> m_counts{};

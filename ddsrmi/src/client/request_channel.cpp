@@ -248,8 +248,21 @@ void RequestChannel::run_hook(const OutstandingRequest& request, DDS_RMI_Reply& 
         m_undecodable.count();
         fail(request, CallFailure::implementation_failed,
              "the reply of '" + name_of(request.operation) + "' cannot be decoded");
+    } catch (const RaisedException& raised) {
+        tell_of_exception(request, raised);
     } catch (...) {
         report_current_exception("the reply hook of " + name_of(request.operation));
+    }
+}
+
+// An exception is an answer: who handles it has not lost the call.
+void RequestChannel::tell_of_exception(const OutstandingRequest& request, const RaisedException& raised)
+{
+    try {
+        raised.rethrow();
+    } catch (const std::exception& exception) { // or there was no memory to keep it
+        if (!tell(request, CallFailure::exception_raised, exception.what()))
+            m_lost_calls.count(CallFailure::exception_raised);
     }
 }
 
@@ -266,14 +279,21 @@ void RequestChannel::fail(const OutstandingRequest& request, CallFailure reason,
     if (reason != CallFailure::closed)
         m_lost_calls.count(reason);
     deactivate(*request.handler.get());
+    tell(request, reason, text.c_str());
+}
+
+// Whether there is somebody to tell.
+bool RequestChannel::tell(const OutstandingRequest& request, CallFailure reason, const char* text)
+{
     auto* const wants_to_know = dynamic_cast<CallFailureHandler*>(request.handler.get());
     if (wants_to_know == nullptr)
-        return;
+        return false;
     try {
-        wants_to_know->handleFailure(reason, text.c_str());
+        wants_to_know->handleFailure(reason, text);
     } catch (...) {
         report_current_exception("the failure hook of " + name_of(request.operation));
     }
+    return true;
 }
 
 void RequestChannel::fail_all(const std::vector<OutstandingRequest>& requests, CallFailure reason,

@@ -19,6 +19,7 @@
 #include "dds/partitioned.h"
 #include "dds/signal.h"
 #include "ddsrmi/call_failure.h"
+#include "ddsrmi/encoding.h"
 #include "ddsrmi/interface_info.h"
 #include "discovery/service_watch.h"
 #include "report.h"
@@ -76,7 +77,9 @@ private:
     void deliver(ClientSession& session, DDS_RMI_Reply& reply);
     void run_hook(const OutstandingRequest& request, DDS_RMI_Reply& reply);
     void give_up_the_overdue(Clock::time_point now);
+    void tell_of_exception(const OutstandingRequest& request, const RaisedException& raised);
     void fail(const OutstandingRequest& request, CallFailure reason, const std::string& text);
+    bool tell(const OutstandingRequest& request, CallFailure reason, const char* text);
     void fail_all(const std::vector<OutstandingRequest>& requests, CallFailure reason,
                   const std::string& text);
 

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "ddsrmi/encoding.h"
 #include "ddsrmi/exceptions.h"
 
 namespace org::opensplice::DDS_RMI {
@@ -21,6 +22,7 @@ namespace {
     case CallFailure::given_up:
         throw TIMEOUT(text);
     case CallFailure::closed:
+    case CallFailure::exception_raised: // is kept as it is
         break;
     }
     throw BAD_INV_ORDER(text.c_str());
@@ -47,10 +49,21 @@ void CallOutcome::fail(CallFailure reason, const char* text)
     m_settled.notify_all();
 }
 
+void CallOutcome::fail(const std::exception_ptr& exception)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_exception = exception;
+    }
+    m_settled.notify_all();
+}
+
 void CallOutcome::wait()
 {
     std::unique_lock lock(m_mutex);
-    m_settled.wait(lock, [this] { return m_replied || m_failure; });
+    m_settled.wait(lock, [this] { return m_replied || m_failure || m_exception; });
+    if (m_exception)
+        std::rethrow_exception(m_exception);
     if (!m_replied)
         throw_failure(*m_failure, m_text);
 }
@@ -64,13 +77,25 @@ WaitingHandler::~WaitingHandler() = default;
 
 void WaitingHandler::handleReply(DDS::ReadCondition* condition)
 {
-    m_inner->handleReply(condition);
+    try {
+        m_inner->handleReply(condition);
+    } catch (const DecodingError&) {
+        throw;
+    } catch (const RaisedException&) {
+        throw;
+    } catch (...) { // such as a lack of memory for the result
+        m_outcome->fail(std::current_exception());
+        return;
+    }
     m_outcome->reply();
 }
 
 void WaitingHandler::handleFailure(CallFailure reason, const char* text)
 {
-    m_outcome->fail(reason, text);
+    if (reason == CallFailure::exception_raised)
+        m_outcome->fail(std::current_exception());
+    else
+        m_outcome->fail(reason, text);
 }
 
 } // namespace org::opensplice::DDS_RMI

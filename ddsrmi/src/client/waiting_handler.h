@@ -3,6 +3,7 @@
 #define DDSRMI_CLIENT_WAITING_HANDLER_H
 
 #include <condition_variable>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -19,7 +20,8 @@ class CallOutcome
 public:
     void reply();
     void fail(CallFailure reason, const char* text);
-    /// Throws the exception that says why there is no reply.
+    void fail(const std::exception_ptr& exception);
+    /// Throws the exception that says why there is no result.
     void wait();
 
 private:
@@ -28,6 +30,7 @@ private:
     bool m_replied = false;               // guarded by m_mutex
     std::optional<CallFailure> m_failure; // guarded by m_mutex
     std::string m_text;                   // guarded by m_mutex
+    std::exception_ptr m_exception;       // guarded by m_mutex
 };
 
 /// Passes the reply on to another handler and tells the outcome.
