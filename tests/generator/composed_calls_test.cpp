@@ -274,12 +274,13 @@ TEST_F(StationCall, brings_texts_that_the_implementation_leaves_alone)
     EXPECT_EQ(taken(nothing), "");
 }
 
-template <class Call>
-std::string bad_param_of(Call call)
+/// What an exception of that type says, which the call throws.
+template <class Error, class Call>
+std::string text_of(Call call)
 {
     try {
         call();
-    } catch (const rmi::BAD_PARAM& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "nothing";
@@ -290,27 +291,16 @@ TEST_F(StationCall, refuses_arguments_that_are_not_of_their_types_and_names_them
     Everything all;
     all.some_words = {"overlong"};
 
-    EXPECT_EQ(bad_param_of([&] { proxy->echo_label(text("123456789")); }),
+    EXPECT_EQ(text_of<rmi::BAD_PARAM>([&] { proxy->echo_label(text("123456789")); }),
               "argument 'value': 9 characters, where 8 are allowed");
-    EXPECT_EQ(bad_param_of([&] {
+    EXPECT_EQ(text_of<rmi::BAD_PARAM>([&] {
                   proxy->echo_few({1, 2, 3, 4, 5});
               }),
               "argument 'value': 5 elements, where 4 are allowed");
-    EXPECT_EQ(bad_param_of([&] { proxy->echo_mode(static_cast<Mode>(3)); }),
+    EXPECT_EQ(text_of<rmi::BAD_PARAM>([&] { proxy->echo_mode(static_cast<Mode>(3)); }),
               "argument 'value': its enum has no such value");
-    EXPECT_EQ(bad_param_of([&] { proxy->async_echo_everything(all, new EverythingHandler); }),
+    EXPECT_EQ(text_of<rmi::BAD_PARAM>([&] { proxy->async_echo_everything(all, new EverythingHandler); }),
               "member 'some_words' of Composed::Everything: 8 characters, where 4 are allowed");
-}
-
-template <class Call>
-std::string internal_error_of(Call call)
-{
-    try {
-        call();
-    } catch (const rmi::INTERNAL_ERROR& error) {
-        return error.what();
-    }
-    return "nothing";
 }
 
 TEST_F(StationCall, fails_when_the_implementation_gives_what_is_not_of_the_type)
@@ -319,13 +309,13 @@ TEST_F(StationCall, fails_when_the_implementation_gives_what_is_not_of_the_type)
     Everything all;
 
     EXPECT_EQ(taken(proxy->overlong_label(8)), "xxxxxxxx");
-    EXPECT_THAT(internal_error_of([&] { proxy->overlong_label(9); }),
+    EXPECT_THAT(text_of<rmi::INTERNAL_ERROR>([&] { proxy->overlong_label(9); }),
                 HasSubstr("the result: 9 characters, where 8 are allowed"));
-    EXPECT_THAT(internal_error_of([&] { proxy->overlong_few(few); }),
+    EXPECT_THAT(text_of<rmi::INTERNAL_ERROR>([&] { proxy->overlong_few(few); }),
                 HasSubstr("argument 'values': 5 elements, where 4 are allowed"));
-    EXPECT_THAT(internal_error_of([&] { proxy->no_mode(); }),
+    EXPECT_THAT(text_of<rmi::INTERNAL_ERROR>([&] { proxy->no_mode(); }),
                 HasSubstr("the result: its enum has no such value"));
-    EXPECT_THAT(internal_error_of([&] { proxy->point_with_nul(all); }),
+    EXPECT_THAT(text_of<rmi::INTERNAL_ERROR>([&] { proxy->point_with_nul(all); }),
                 HasSubstr("member 'a_text' of Composed::Everything: a text cannot have a NUL inside"));
 }
 
@@ -353,15 +343,16 @@ TEST_F(StationCall, fails_for_exceptions_that_the_operation_does_not_raise)
 {
     DDS::String words = text("words");
 
-    EXPECT_THAT(internal_error_of([&] { proxy->raising(3, words); }), HasSubstr("Composed::Misnamed"));
-    EXPECT_THAT(internal_error_of([&] { proxy->raising(4, words); }), HasSubstr("out of order"));
+    EXPECT_THAT(text_of<rmi::INTERNAL_ERROR>([&] { proxy->raising(3, words); }),
+                HasSubstr("Composed::Misnamed"));
+    EXPECT_THAT(text_of<rmi::INTERNAL_ERROR>([&] { proxy->raising(4, words); }), HasSubstr("out of order"));
     EXPECT_EQ(taken(words), "words");
 }
 
 TEST_F(StationCall, fails_when_the_exception_has_a_member_that_is_not_of_its_type)
 {
     EXPECT_THROW(proxy->raising_misnamed(8), Misnamed);
-    EXPECT_THAT(internal_error_of([&] { proxy->raising_misnamed(9); }),
+    EXPECT_THAT(text_of<rmi::INTERNAL_ERROR>([&] { proxy->raising_misnamed(9); }),
                 HasSubstr("member 'name' of Composed::Misnamed: 9 characters, where 8 are allowed"));
 }
 
