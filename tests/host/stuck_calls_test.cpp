@@ -2,6 +2,7 @@
 // Calls that take too long, or never end.
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -95,6 +96,70 @@ TEST(stuck_calls, of_one_plugin_do_not_silence_another)
 
     for (HttpConnection& connection : stuck)
         connection.reset();
+}
+
+/// Waits for a page to say something.
+bool comes_to_say(const ZorbdProcess& zorbd, const std::string& page, const std::string& text)
+{
+    const auto end = std::chrono::steady_clock::now() + test_support::event_deadline;
+    while (std::chrono::steady_clock::now() < end)
+        if (ask(zorbd.port(), get(page)).body.find(text) != std::string::npos)
+            return true;
+    return false;
+}
+
+TEST(stuck_calls, keep_those_that_wait_for_them_no_longer_than_the_limit)
+{
+    Fifo fifo;
+    ZorbdProcess zorbd({"--threads", "1", "--call-timeout", "2"});
+    std::vector<HttpConnection> waiting;
+    for (int i = 0; i < 4;
+         ++i) { // on all I/O threads; after a slow call they leave the next one to the workers
+        waiting.emplace_back(zorbd.port());
+        waiting.back().send(post(call("linger", R"({"ms":20})")));
+        waiting.back().receive();
+    }
+    HttpConnection stuck(zorbd.port());
+    stuck.send(post(hold(fifo)));
+    ASSERT_TRUE(zorbd.wait_for_line("holding"));
+    for (HttpConnection& connection : waiting)
+        connection.send(post(call("seven")));
+
+    for (HttpConnection& connection : waiting)
+        EXPECT_THAT(connection.receive().body,
+                    HasSubstr("seven: no answer within 2 s (--call-timeout); the call was not begun"));
+
+    EXPECT_TRUE(comes_to_say(zorbd, "/metrics", "\nzorbd_calls_outstanding 1\n")) << "they keep their places";
+    EXPECT_TRUE(comes_to_say(zorbd, "/metrics", R"(zorbd_calls_total{method="seven",code="-32001"} 4)"));
+    fifo.release();
+    ASSERT_TRUE(zorbd.wait_for_line("released"));
+    for (HttpConnection& connection : waiting) { // each has had one answer, so this one is the next
+        connection.send(post(call("seven", "{}", "9")));
+        EXPECT_THAT(connection.receive().body, JsonEq(R"({"jsonrpc":"2.0","result":7,"id":9})"));
+    }
+}
+
+TEST(stuck_calls, are_answered_once_whether_they_end_in_time_or_just_not)
+{
+    constexpr int rounds = 10;
+    constexpr int clients = 8;
+    ZorbdProcess zorbd({"--threads", "2", "--call-timeout", "0.06", "--max-outstanding", "64"});
+    std::vector<HttpConnection> calling;
+    for (int i = 0; i < clients; ++i)
+        calling.emplace_back(zorbd.port());
+
+    for (int round = 0; round < rounds; ++round) {
+        for (int i = 0; i < clients; ++i) // four turns of two threads, of which about three come in time
+            calling[static_cast<std::size_t>(i)].send(
+                post(call("linger", R"({"ms":20})", std::to_string(round * clients + i))));
+        for (int i = 0; i < clients; ++i)
+            EXPECT_THAT(calling[static_cast<std::size_t>(i)].receive().body,
+                        AllOf(testing::ContainsRegex(R"("result":1|"code":-32001|"code":-32003)"),
+                              HasSubstr(R"("id":)" + std::to_string(round * clients + i) + '}')));
+    }
+
+    EXPECT_TRUE(comes_to_say(zorbd, "/metrics", "\nzorbd_calls_outstanding 0\n"));
+    EXPECT_TRUE(comes_to_say(zorbd, "/healthz", R"("status":"ok")"));
 }
 
 TEST(stuck_calls, that_wait_for_a_thread_get_one_when_there_is_one)

@@ -22,6 +22,10 @@ bool CallExchange::run(bool may_wait)
 {
     const auto begin = IoThreads::Clock::now();
     m_may_wait = may_wait;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex); // whoever let it wait is done with it after this
+        m_place_at = std::exchange(m_waits_at, nullptr);
+    }
     try {
         answer = m_services.dispatcher.answer(m_body, this);
     } catch (const CallWaits&) {
@@ -29,6 +33,8 @@ bool CallExchange::run(bool may_wait)
     } catch (const std::exception& error) {
         answer = error_response({RpcErrorCode::internal_error, error.what()});
     }
+    if (m_place_at != nullptr)
+        m_place_at->leave(); // it was given up, or something else has kept it from its call
     was_refused = m_refused > 0 && m_not_refused == 0;
     m_threads.worked(IoThreads::Clock::now() - begin);
     return true;
@@ -49,6 +55,9 @@ std::string CallExchange::refusal_of(std::string_view method) const
 CallObserver::Start CallExchange::call_starts(const std::string& plugin)
 {
     PluginLoad& load = m_services.loads.of(plugin);
+    const std::lock_guard<std::mutex> lock(m_mutex); // it is given up before all of this, or after it
+    if (m_is_given_up)
+        return Start::given_up;
     switch (enter(load)) {
     case PluginLoad::Entry::waits:
         return Start::waits;
@@ -57,29 +66,30 @@ CallObserver::Start CallExchange::call_starts(const std::string& plugin)
     case PluginLoad::Entry::entered:
         break;
     }
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_waits_at = nullptr;
     m_runs_at = &load;
+    m_has_begun = true;
     return Start::runs;
 }
 
-/// An I/O thread does not wait, and neither does a batch of which a part has been run.
+/// An I/O thread does not wait, and neither does a batch of which a part has been run. The caller holds
+/// m_mutex.
 PluginLoad::Entry CallExchange::enter(PluginLoad& load)
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_waits_at = nullptr;
-        if (m_is_given_up)
-            return PluginLoad::Entry::refused;
-        if (m_may_wait && m_answered.empty())
-            m_waits_at = &load; // before it is told to the load, which may tell it to go on at once
-        else if (m_may_wait)
-            return load.try_enter() ? PluginLoad::Entry::entered : PluginLoad::Entry::refused;
+    using Entry = PluginLoad::Entry;
+    PluginLoad* const place_at = std::exchange(m_place_at, nullptr);
+    if (place_at == &load)
+        return Entry::entered;
+    if (place_at != nullptr)
+        place_at->leave(); // another plug-in offers the method by now
+    if (!m_may_wait) {
+        load.enter_anyway();
+        return Entry::entered;
     }
-    if (m_may_wait)
-        return load.enter(*this);
-    load.enter_anyway();
-    return PluginLoad::Entry::entered;
+    if (m_answered.answered() != 0)
+        return load.try_enter() ? Entry::entered : Entry::refused;
+    const Entry entry = load.enter(*this);
+    m_waits_at = entry == Entry::waits ? &load : nullptr;
+    return entry;
 }
 
 void CallExchange::call_returned() noexcept
@@ -104,18 +114,20 @@ void CallExchange::call_ended(const CallRecord& call) noexcept
 void CallExchange::answered(const std::optional<std::string>& response)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_answered.push_back(response);
+    m_answered.add(response);
+    m_has_begun = false;
 }
 
-void CallExchange::try_again() noexcept
+void CallExchange::take_place() noexcept
 {
     m_services.workers.submit_reserved(*this);
 }
 
 std::optional<std::string> CallExchange::give_up(const std::string& why)
 {
-    std::vector<std::optional<std::string>> answered_so_far;
-    PluginLoad* waits_at = nullptr;
+    BatchResponses answered_so_far;
+    bool has_begun = false;
+    bool has_waited = false;
     asks = nullptr;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -124,14 +136,14 @@ std::optional<std::string> CallExchange::give_up(const std::string& why)
         if (m_is_stuck)
             m_runs_at->add_stuck();
         answered_so_far = m_answered;
-        waits_at = m_waits_at;
+        has_begun = m_has_begun;
+        has_waited = m_waits_at != nullptr && m_waits_at->forget(*this);
+        if (has_waited)
+            m_waits_at = nullptr;
     }
-    auto given = m_services.dispatcher.answer_late(m_body, answered_so_far, why);
-    if (waits_at != nullptr && waits_at->forget(*this)) {
-        m_services.workers.release(); // it will not be run
-        deliver();
-    }
-    return given;
+    if (has_waited)
+        m_services.workers.submit_reserved(*this); // to end without a call; it comes back to this thread
+    return m_services.dispatcher.answer_late(m_body, std::move(answered_so_far), why, has_begun);
 }
 
 } // namespace zorbd

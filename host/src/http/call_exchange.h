@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "events/call_log.h"
 #include "http/token.h"
 #include "http/worker_pool.h"
+#include "jsonrpc/batch_responses.h"
 #include "jsonrpc/dispatcher.h"
 #include "plugins/plugin_load.h"
 
@@ -50,8 +50,9 @@ public:
     bool run(bool may_wait) override;
     void deliver() override;
 
-    /// Stops to wait for the call, which is left to end: no further request of its body is run. Gives the
-    /// answer as far as there is one, with an error that says `why` for the rest. For the I/O thread.
+    /// Stops to wait for the call: one that has begun is left to end, and no further request of its body is
+    /// run. Gives the answer as far as there is one, with an error that says `why` for the rest. For the I/O
+    /// thread.
     std::optional<std::string> give_up(const std::string& why);
 
     /// Who waits for the answer; null when nobody does any more. The I/O threads' own.
@@ -69,7 +70,7 @@ private:
     void call_returned() noexcept override;
     void call_ended(const CallRecord& call) noexcept override;
     void answered(const std::optional<std::string>& response) override;
-    void try_again() noexcept override;
+    void take_place() noexcept override;
     PluginLoad::Entry enter(PluginLoad& load);
 
     const CallServices m_services;
@@ -81,12 +82,14 @@ private:
     unsigned m_refused = 0;                     ///< calls
     unsigned m_not_refused = 0;
     bool m_may_wait = false;
-    std::mutex m_mutex;
-    std::vector<std::optional<std::string>> m_answered; ///< of a batch, so far; guarded by m_mutex
-    PluginLoad* m_waits_at = nullptr;                   ///< guarded by m_mutex
-    PluginLoad* m_runs_at = nullptr;                    ///< guarded by m_mutex
-    bool m_is_given_up = false;                         ///< guarded by m_mutex
-    bool m_is_stuck = false; ///< is counted as such at m_runs_at; guarded by m_mutex
+    PluginLoad* m_place_at = nullptr; ///< where it has got a place after it has waited
+    std::mutex m_mutex;               ///< taken before that of a PluginLoad
+    BatchResponses m_answered;        ///< so far; guarded by m_mutex
+    PluginLoad* m_waits_at = nullptr; ///< guarded by m_mutex
+    PluginLoad* m_runs_at = nullptr;  ///< guarded by m_mutex
+    bool m_has_begun = false;         ///< a call that has not been answered; guarded by m_mutex
+    bool m_is_given_up = false;       ///< guarded by m_mutex
+    bool m_is_stuck = false;          ///< is counted as such at m_runs_at; guarded by m_mutex
 };
 
 } // namespace zorbd

@@ -94,8 +94,7 @@ std::function<void()> HttpServer::wake_of(const HttpConnection& connection)
 
 std::optional<std::string> HttpServer::give_up(CallExchange& call)
 {
-    return call.give_up("no answer within " + seconds_text(m_services.call_timeout) +
-                        " s (--call-timeout); the call is left to end");
+    return call.give_up("no answer within " + seconds_text(m_services.call_timeout) + " s (--call-timeout)");
 }
 
 void HttpServer::note_overdue() noexcept

@@ -33,8 +33,8 @@ public:
     virtual std::string refusal_of(std::string_view method) const = 0;
 
     /// What is to become of a call: with `waits` nothing of the body has been run, and the observer may be at
-    /// work again on another thread by now.
-    enum class Start { runs, waits, refused };
+    /// work again on another thread by now; with `given_up` nobody waits for its answer any more.
+    enum class Start { runs, waits, refused, given_up };
 
     /// Before a method of that plug-in is called.
     virtual Start call_starts(const std::string& /*plugin*/) { return Start::runs; }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jsonrpc/dispatcher.h"
 
+#include <utility>
+
 #include "plugins/param_check.h"
 #include "plugins/running_plugin.h"
 #include "json/json_reader.h"
@@ -40,30 +42,10 @@ int code_of(const CallOutcome& outcome)
     return error == nullptr ? 0 : error->code;
 }
 
-/// The responses of a batch.
-class BatchResponses
-{
-public:
-    void add(const std::optional<std::string>& response)
-    {
-        if (response)
-            m_text += (m_text.empty() ? '[' : ',') + *response;
-    }
-
-    /// Nothing when there was none.
-    std::optional<std::string> take()
-    {
-        if (m_text.empty())
-            return std::nullopt;
-        return std::move(m_text) + ']';
-    }
-
-private:
-    std::string m_text;
-};
+const char* const not_begun = "the call was not begun";
 
 /// The response to a request that is not waited for any more; nothing to a notification.
-std::optional<std::string> late_response(json_object* value, const std::string& why)
+std::optional<std::string> late_response(json_object* value, const std::string& why, bool has_begun)
 {
     const auto read = read_request(value);
     if (const auto* invalid = std::get_if<InvalidRequest>(&read))
@@ -71,7 +53,9 @@ std::optional<std::string> late_response(json_object* value, const std::string& 
     const auto& request = std::get<RpcRequest>(read);
     if (!request.id)
         return std::nullopt;
-    return error_response({RpcErrorCode::remote_timeout, request.method + ": " + why}, *request.id);
+    const char* const state = has_begun ? "the call is left to end" : not_begun;
+    return error_response({RpcErrorCode::remote_timeout, request.method + ": " + why + "; " + state},
+                          *request.id);
 }
 
 /// Tells the observer of the return from a method.
@@ -140,19 +124,21 @@ std::optional<std::string> Dispatcher::answer_batch(json_object* batch, CallObse
     return responses.take();
 }
 
-std::optional<std::string> Dispatcher::answer_late(const std::string& body,
-                                                   const std::vector<std::optional<std::string>>& answered,
-                                                   const std::string& why) const
+std::optional<std::string> Dispatcher::answer_late(const std::string& body, BatchResponses answered,
+                                                   const std::string& why, bool has_begun) const
 {
-    const JsonValue value = parse_json(body, m_limits.max_depth); // it is JSON: it has been read before
-    if (!json_object_is_type(value.get(), json_type_array))
-        return late_response(value.get(), why);
-    BatchResponses responses;
-    const std::size_t length = json_object_array_length(value.get());
-    for (std::size_t i = 0; i < length; ++i)
-        responses.add(i < answered.size() ? answered[i]
-                                          : late_response(json_object_array_get_idx(value.get(), i), why));
-    return responses.take();
+    try {
+        const JsonValue value = parse_json(body, m_limits.max_depth);
+        if (!json_object_is_type(value.get(), json_type_array))
+            return late_response(value.get(), why, has_begun);
+        const std::size_t length = json_object_array_length(value.get());
+        for (std::size_t i = answered.answered(); i < length; ++i)
+            answered.add(late_response(json_object_array_get_idx(value.get(), i), why,
+                                       std::exchange(has_begun, false)));
+        return answered.take();
+    } catch (const JsonSyntaxError& error) { // it had to wait so long that nobody has read it
+        return error_response({RpcErrorCode::parse_error, error.what()});
+    }
 }
 
 std::optional<std::string> Dispatcher::answer_single(json_object* value, CallObserver* observer) const
@@ -195,6 +181,8 @@ CallOutcome Dispatcher::run(const RpcRequest& request, json_object* value, bool&
         throw CallWaits();
     if (start == CallObserver::Start::refused)
         return too_many_calls(request.method);
+    if (start == CallObserver::Start::given_up)
+        return RpcError{RpcErrorCode::remote_timeout, request.method + ": " + not_begun};
     const RunningCall call(observer);
     const RunningPlugin running(*found.plugin);
     return call_method(*found.method, request.method, value);

@@ -4,8 +4,8 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "jsonrpc/batch_responses.h"
 #include "jsonrpc/call_observer.h"
 #include "jsonrpc/method_call.h"
 #include "jsonrpc/rpc_request.h"
@@ -34,10 +34,10 @@ public:
     std::optional<std::string> answer(const std::string& body, CallObserver* observer = nullptr) const;
 
     /// The answer to a body of which only some requests have been answered, because one takes too long: for
-    /// the others an error that names the method and says `why`.
-    std::optional<std::string> answer_late(const std::string& body,
-                                           const std::vector<std::optional<std::string>>& answered,
-                                           const std::string& why) const;
+    /// the others an error that names the method and says `why`, and whether the call was begun.
+    /// `has_begun` tells that of the first of them; those behind it were not.
+    std::optional<std::string> answer_late(const std::string& body, BatchResponses answered,
+                                           const std::string& why, bool has_begun) const;
 
 private:
     std::optional<std::string> answer_value(json_object* value, CallObserver* observer) const;

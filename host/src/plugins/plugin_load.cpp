@@ -21,7 +21,7 @@ PluginLoad::Entry PluginLoad::enter(Waiter& waiter)
         return Entry::entered;
     const std::lock_guard<std::mutex> lock(m_mutex);
     ++m_waiter_count; // before the last look: whoever leaves after that sees it
-    if (try_enter()) {
+    if (m_waiters.empty() && try_enter()) {
         --m_waiter_count;
         return Entry::entered;
     }
@@ -39,12 +39,12 @@ void PluginLoad::leave()
     if (m_waiter_count == 0)
         return;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_waiters.empty())
-        return;
+    if (m_waiters.empty() || !try_enter())
+        return; // whoever was quicker will leave, too
     Waiter* next = m_waiters.front();
     m_waiters.pop_front();
     --m_waiter_count;
-    next->try_again(); // only hands it to a thread
+    next->take_place(); // only hands it to a thread
 }
 
 bool PluginLoad::forget(Waiter& waiter)

@@ -22,8 +22,8 @@ public:
     {
     public:
         virtual ~Waiter() = default;
-        /// There may be room now. Must not wait or throw.
-        virtual void try_again() noexcept = 0;
+        /// Its call has begun: to be ended by leave(), whatever becomes of it. Must not wait or throw.
+        virtual void take_place() noexcept = 0;
     };
 
     PluginLoad(std::size_t max_running, std::size_t max_waiting)
@@ -33,16 +33,16 @@ public:
 
     enum class Entry { entered, waits, refused };
 
-    /// Begins a call, or lets it wait for room, or refuses it because too many wait already. A waiter is told
-    /// once, on another thread perhaps before this returns.
+    /// Begins a call, or lets it wait for its turn, or refuses it because too many wait already. A waiter
+    /// gets its place once, on another thread perhaps before this returns.
     Entry enter(Waiter& waiter);
     /// Begins a call if there is room.
     bool try_enter();
     /// Begins a call, whether there is room or not.
     void enter_anyway() { ++m_running; }
-    /// Ends a call.
+    /// Ends a call. Who has waited longest gets the place.
     void leave();
-    /// Forgets a waiter. False when it is, or has been, told.
+    /// Forgets a waiter. False when it has, or is about to get, its place.
     bool forget(Waiter& waiter);
 
     /// A call that has begun takes too long; and it has ended after all.
