@@ -52,6 +52,13 @@ struct ConnectionRegistry::Connection
 
     bool is_over_tcp() const { return !address.empty(); }
 
+    /// Takes a deadline away, which has passed. False when another phase has begun; `passed` is its deadline
+    /// then.
+    bool take_deadline(Clock::time_point& passed)
+    {
+        return deadline.compare_exchange_strong(passed, Clock::time_point::max());
+    }
+
     const int socket;
     const std::string address;
     const Clock::time_point token_deadline;
@@ -75,6 +82,12 @@ void ConnectionRegistry::Place::leave() noexcept
 {
     if (Connection* left = std::exchange(m_connection, nullptr))
         m_registry->remove(*left);
+}
+
+bool ConnectionRegistry::Place::is_overdue() const
+{
+    return m_registry->m_limits.call.count() != 0 && m_connection->phase == ConnectionPhase::working &&
+           m_connection->deadline.load() == Clock::time_point::max();
 }
 
 void ConnectionRegistry::Place::set_known()
@@ -269,13 +282,14 @@ ConnectionRegistry::Clock::time_point ConnectionRegistry::end_overdue()
     if (m_limits.call.count() != 0)
         next = std::min(next, now + m_limits.call);
     for (Connection& connection : m_connections) {
-        const Clock::time_point deadline = connection.deadline;
-        if (connection.is_cut || deadline > now) {
-            next = std::min(next, connection.is_cut ? next : deadline);
+        if (connection.is_cut)
+            continue;
+        Clock::time_point deadline = connection.deadline;
+        if (deadline > now || !connection.take_deadline(deadline)) {
+            next = std::min(next, deadline);
         } else if (connection.phase != ConnectionPhase::working) {
             cut(connection);
         } else if (connection.owner != nullptr) {
-            connection.deadline = Clock::time_point::max();
             connection.owner->call_is_overdue();
         }
     }

@@ -78,6 +78,8 @@ public:
         /// Passes to another phase; one thread at a time. False when that is `working` and no further calls
         /// are taken; the phase then stays.
         bool enter(ConnectionPhase phase) { return m_registry->enter(*m_connection, phase); }
+        /// Whether a call is under way whose owner has been told that it takes too long.
+        bool is_overdue() const;
         /// A request of it has been admitted.
         void set_known();
         /// Null takes the owner away. An owner must do that, or destroy the place, before it ends.

@@ -91,13 +91,12 @@ HttpConnection::Fate HttpConnection::take_answer(std::optional<std::string> answ
 
 void HttpConnection::call_is_overdue() noexcept
 {
-    m_is_overdue = true;
     m_services.note_overdue();
 }
 
 HttpConnection::Fate HttpConnection::answer_overdue()
 {
-    if (!m_is_overdue.exchange(false) || m_stage != Stage::working)
+    if (m_stage != Stage::working || !m_place.is_overdue())
         return Fate::stays;
     return take_answer(m_services.give_up(*m_call), false);
 }
@@ -213,7 +212,6 @@ void HttpConnection::submit()
 {
     if (!m_place.enter(ConnectionPhase::working))
         return refuse_busy("the server stops");
-    m_is_overdue = false;
     m_call = m_services.start_call(*this, std::move(m_parser.body()), std::move(m_token));
     if (m_call == nullptr)
         return refuse_busy("too many calls are outstanding");

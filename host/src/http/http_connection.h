@@ -2,7 +2,6 @@
 #ifndef ZORBD_HTTP_CONNECTION_H
 #define ZORBD_HTTP_CONNECTION_H
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -102,7 +101,6 @@ private:
     const Route* m_route = nullptr;       ///< of the request, once it has been admitted
     std::shared_ptr<const Token> m_token; ///< that it has shown, until its call begins
     CallExchange* m_call = nullptr;       ///< in Stage::working
-    std::atomic<bool> m_is_overdue{false};
     std::unique_ptr<ResponseStream> m_stream; ///< the answer's, until it has ended
     std::string m_unread;                     ///< has come, but has not been taken in
     std::string m_out_head;                   ///< what is being sent
