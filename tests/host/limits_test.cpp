@@ -3,13 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "fifo.h"
 #include "json_matchers.h"
-#include "process/open_files.h"
 #include "zorbd_process.h"
 
 namespace {
@@ -203,41 +201,6 @@ TEST(limits, request_time_for_a_client_that_does_not_take_its_response)
 
     connection.wait_cut_unread();
     EXPECT_THROW(connection.receive(), std::runtime_error) << "the response is not whole";
-}
-
-std::size_t resident_kib(pid_t process)
-{
-    std::ifstream status("/proc/" + std::to_string(process) + "/status");
-    for (std::string word; status >> word;)
-        if (word == "VmRSS:") {
-            std::size_t kib = 0;
-            status >> kib;
-            return kib;
-        }
-    return 0;
-}
-
-TEST(limits, a_thousand_idle_connections_cost_little_and_slow_no_one)
-{
-    zorbd::allow_open_files(1200);
-    const ZorbdProcess zorbd({"--max-connections", "1100", "--max-connections-per-address", "1100"});
-    const std::size_t before = resident_kib(zorbd.pid());
-    std::vector<HttpConnection> idle;
-    idle.reserve(1000);
-    for (int i = 0; i < 1000; ++i)
-        idle.emplace_back(zorbd.port());
-    for (HttpConnection* connection : {&idle.front(), &idle.back()}) { // so all of them have been taken in
-        connection->send(post(call("seven")));
-        EXPECT_EQ(connection->receive().status, 200);
-    }
-
-    const std::size_t cost = resident_kib(zorbd.pid()) - before;
-
-    RecordProperty("cost_kib", static_cast<int>(cost));
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they keep far more than is asked for
-    EXPECT_LT(cost, 16U * 1024U);
-#endif
-    EXPECT_EQ(ask(zorbd.port(), post(call("seven"))).status, 200);
 }
 
 TEST(limits, outstanding_work)

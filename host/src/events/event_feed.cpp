@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "events/event_feed.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -10,8 +12,9 @@ namespace {
 
 /// What wakes listeners rests for so long, so that under load they are woken for many events at once.
 constexpr std::chrono::milliseconds gather_time{5};
-/// How many events a listener takes at a time.
+/// How much a listener takes at a time: so many events, and so many bytes unless one event has more.
 constexpr std::size_t batch = 64;
+constexpr std::size_t batch_bytes = 32768;
 
 } // namespace
 
@@ -96,7 +99,7 @@ void EventFeed::run()
     while (!m_is_closed) {
         const auto has_news = [&] { return m_is_closed || (told != m_ring.latest() && !m_sleeping.empty()); };
         if (m_listener_count == 0)
-            m_changed.wait(lock, [this] { return m_is_closed || m_listener_count != 0; });
+            wait_for_listener(lock);
         const bool all = m_changed.wait_for(lock, m_limits.heartbeat / 10, has_news);
         told = m_ring.latest();
         wake_sleepers(lock, all);
@@ -104,6 +107,16 @@ void EventFeed::run()
             m_changed.wait_for(lock, gather_time, [this] { return m_is_closed; });
     }
     wake_sleepers(lock, true);
+}
+
+/// What the last listeners held lies scattered between what others hold, so it does not go back to the system
+/// by itself.
+void EventFeed::wait_for_listener(std::unique_lock<std::mutex>& lock)
+{
+    lock.unlock();
+    ::malloc_trim(0);
+    lock.lock();
+    m_changed.wait(lock, [this] { return m_is_closed || m_listener_count != 0; });
 }
 
 /// All of them, or those whose heartbeat is due. Nobody is called with the lock held.
@@ -151,6 +164,8 @@ EventFeed::Listener::State EventFeed::Listener::read(char* buffer, std::size_t& 
 /// Replaces the text, which has been sent, by what there is. False when the stream has ended.
 bool EventFeed::Listener::fetch()
 {
+    if (m_text.capacity() > 2 * batch_bytes) // a long line is not to be paid for ever after
+        m_text = std::string();
     m_text.clear();
     m_sent = 0;
     std::vector<std::shared_ptr<const Event>> events;
@@ -162,7 +177,7 @@ bool EventFeed::Listener::fetch()
         if (m_next < ring.oldest())
             m_text = missed_notice(std::to_string(ring.oldest() - m_next), ring.oldest());
         m_next = std::max(m_next, ring.oldest());
-        events = ring.read(m_next, batch);
+        events = ring.read(m_next, batch, batch_bytes);
         m_next += events.size();
     }
     for (const auto& event : events)

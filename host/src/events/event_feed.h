@@ -62,6 +62,7 @@ private:
     void add(Event event);
     void leave(Listener& listener);
     void run();
+    void wait_for_listener(std::unique_lock<std::mutex>& lock);
     void wake_sleepers(std::unique_lock<std::mutex>& lock, bool all);
 
     const EventLimits m_limits;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "events/event_ring.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace zorbd {
@@ -27,10 +26,18 @@ void EventRing::add(Event event)
     }
 }
 
-std::vector<std::shared_ptr<const Event>> EventRing::read(std::uint64_t from, std::size_t count) const
+std::vector<std::shared_ptr<const Event>> EventRing::read(std::uint64_t from, std::size_t count,
+                                                          std::size_t bytes) const
 {
-    const auto begin = m_events.begin() + static_cast<std::ptrdiff_t>(from - oldest());
-    return {begin, begin + static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(count, m_latest + 1 - from))};
+    std::vector<std::shared_ptr<const Event>> events;
+    std::size_t taken = 0;
+    for (std::size_t i = from - oldest(); i < m_events.size() && events.size() < count; ++i) {
+        taken += size_of(*m_events[i]);
+        if (taken > bytes && !events.empty())
+            break;
+        events.push_back(m_events[i]);
+    }
+    return events;
 }
 
 } // namespace zorbd

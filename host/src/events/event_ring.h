@@ -26,8 +26,10 @@ public:
     /// The id of the oldest event that is kept, or of the next one when none is.
     std::uint64_t oldest() const { return m_latest + 1 - m_events.size(); }
 
-    /// At most `count` events from the one with the id `from`, which must be kept or the next one.
-    std::vector<std::shared_ptr<const Event>> read(std::uint64_t from, std::size_t count) const;
+    /// At most `count` events from the one with the id `from`, which must be kept or the next one, and no
+    /// more than take `bytes`, unless that is the first one alone.
+    std::vector<std::shared_ptr<const Event>> read(std::uint64_t from, std::size_t count,
+                                                   std::size_t bytes) const;
 
 private:
     const std::size_t m_max_bytes;
