@@ -171,18 +171,20 @@ std::string Daemon::where() const
 
 void Daemon::reload(const Options& options)
 {
-    const auto attempt = [](auto& part, const std::string& what) {
+    const auto attempt = [](auto& part, const std::string& done) {
         try {
             part.reload();
-            log_message(what + " been read again");
+            log_message(done);
         } catch (const std::exception& error) {
-            log_message(std::string(error.what()) + "; what was read before stays in use");
+            log_message(std::string(error.what()) + "; what was used before stays in use");
         }
     };
     if (m_tls)
-        attempt(*m_tls, "TLS certificate and key have");
+        attempt(*m_tls, "TLS certificate and key have been read again");
     if (m_tokens != nullptr)
-        attempt(*m_tokens, "tokens have");
+        attempt(*m_tokens, "tokens have been read again");
+    if (m_access_log.is_file())
+        attempt(m_access_log, "the access log has been opened anew");
     for (const auto& gate : m_gates)
         gate->set_server_names(options.server_names);
 }

@@ -48,7 +48,8 @@ public:
     Finish finish(std::chrono::steady_clock::time_point deadline);
 
     /// Reads again what can be read again without a restart: TLS certificates and tokens, from the files that
-    /// were named at the start, and the names of the server. Says so, or what is wrong: that stays as it was.
+    /// were named at the start, and the names of the server; opens the access log anew. Says so, or what is
+    /// wrong: that stays as it was.
     void reload(const Options& options);
 
     /// Whether calls can get on: no plug-in has all of its threads in calls that take too long.
