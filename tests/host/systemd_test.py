@@ -6,6 +6,7 @@ hands over, feeds its watchdog and tells of a reload.
 Usage: systemd_test.py ZORBD PLUGIN UNIT_FOLDER"""
 
 import http.client
+import json
 import os
 import pathlib
 import re
@@ -14,6 +15,7 @@ import socket
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 ZORBD, PLUGIN, UNITS = sys.argv[1:4]
@@ -38,6 +40,19 @@ def call(port):
     return connection.getresponse().status
 
 
+def ask(unix_socket, verb, path, method=None, params=None):
+    """The body of the answer of a zorbd on a Unix socket."""
+    connection = http.client.HTTPConnection("localhost", timeout=DEADLINE)
+    connection.sock = socket.socket(socket.AF_UNIX)
+    connection.sock.settimeout(DEADLINE)
+    connection.sock.connect(unix_socket)
+    body = method and json.dumps({"jsonrpc": "2.0", "id": 1, "method": method, "params": params})
+    connection.request(verb, path, body, {"Content-Type": "application/json"})
+    answer = connection.getresponse().read().decode()
+    connection.close()
+    return answer
+
+
 class Units(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -60,11 +75,12 @@ class Process(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
+        self.folder = folder.name
         self.notify = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
         self.addCleanup(self.notify.close)
         self.notify.settimeout(DEADLINE)
-        self.notify.bind(folder.name + "/notify")
-        self.environment = {**os.environ, "NOTIFY_SOCKET": folder.name + "/notify"}
+        self.notify.bind(self.folder + "/notify")
+        self.environment = {**os.environ, "NOTIFY_SOCKET": self.folder + "/notify"}
 
     def start(self, *options, launcher=()):
         process = subprocess.Popen([*launcher, ZORBD, "--plugin", PLUGIN, *options], env=self.environment,
@@ -98,6 +114,32 @@ class Process(unittest.TestCase):
         self.start("--listen", "127.0.0.1:0")
         self.await_state("READY=1")
         self.await_state("WATCHDOG=1")
+        self.await_state("WATCHDOG=1")
+
+    def await_silence(self, seconds):
+        """Waits until nothing has come for so long."""
+        self.notify.settimeout(seconds)
+        end = time.monotonic() + DEADLINE
+        try:
+            while time.monotonic() < end:
+                self.notify.recv(4096)
+            self.fail("it does not stop to notify")
+        except TimeoutError:
+            self.notify.settimeout(DEADLINE)
+
+    def test_lets_the_watchdog_starve_while_all_threads_of_a_plugin_are_in_calls_that_do_not_end(self):
+        self.environment["WATCHDOG_USEC"] = "200000"  # half of it is the pause between two meals
+        fifo, unix_socket = self.folder + "/fifo", self.folder + "/socket"
+        os.mkfifo(fifo)
+        self.start("--unix-socket", unix_socket, "--threads", "1", "--call-timeout", "0.2")
+        self.await_state("WATCHDOG=1")
+        params = {"fifo": fifo}
+        while "no answer within" not in ask(unix_socket, "POST", "/", "hold", params):
+            pass  # until the plug-in is bound
+        self.assertIn('"status":"stuck"', ask(unix_socket, "GET", "/healthz"))
+        self.await_silence(2)
+        with open(fifo, "w"):
+            pass  # the call ends
         self.await_state("WATCHDOG=1")
 
     def test_tells_of_a_reload(self):

@@ -131,7 +131,7 @@ int serve(Daemon& daemon, ProcessSignals& signals, const Options& options, const
             return *signal;
         if (signal)
             reload(daemon, options, command_line);
-        else if (daemon.makes_progress())
+        if (interval && daemon.makes_progress())
             notify_service_manager("WATCHDOG=1");
     }
 }
