@@ -242,11 +242,40 @@ const Mistake mistakes[] = {
     {"pauses_that_shrink", {"--retry-pause", "2", "--retry-pause-max", "1"}, "--retry-pause-max"},
     {"mode_that_is_not_octal", {"--unix-mode", "0888"}, "--unix-mode: '0888' is no octal file mode"},
     {"mode_with_more_than_permissions", {"--unix-mode", "7777"}, "--unix-mode: '7777' is no octal file mode"},
+    {"empty_unix_socket", {"--unix-socket", ""}, "--unix-socket: the path is empty"},
     {"unknown_group", {"--unix-group", "no-such-group"}, "--unix-group: there is no group 'no-such-group'"},
 };
 
 INSTANTIATE_TEST_SUITE_P(options, OptionMistake, testing::ValuesIn(mistakes),
                          [](const auto& mistake) { return mistake.param.name; });
+
+/// The options whose values are numbers, as the help tells.
+std::vector<std::string> number_options()
+{
+    std::vector<std::string> names;
+    std::istringstream help(read({"--help"}).output);
+    for (std::string line; std::getline(help, line);)
+        if (line.find(" NUMBER") != std::string::npos || line.find(" SECONDS") != std::string::npos)
+            names.push_back(line.substr(line.find("--"), line.find(' ', line.find("--")) - line.find("--")));
+    return names;
+}
+
+TEST(options, take_no_number_that_is_not_finite_or_out_of_range)
+{
+    const std::vector<std::string> names = number_options();
+    ASSERT_GE(names.size(), 19U);
+
+    for (const std::string& name : names)
+        for (const char* value : {"nan", "-nan", "NaN", "inf", "-inf", "Infinity", "1e999", "-1e999", "-5",
+                                  "99999999999999999999999", "-99999999999999999999999",
+                                  "18446744073709551621", "5x", "five", "0x", ""}) {
+            const Reading reading = read({"--plugin", "a.so", name.c_str(), value});
+            ASSERT_TRUE(std::holds_alternative<int>(reading.result)) << name << ' ' << value;
+            EXPECT_EQ(std::get<int>(reading.result), 2) << name << ' ' << value;
+            EXPECT_THAT(reading.complaint, AllOf(testing::StartsWith("zorbd: "), HasSubstr(name)))
+                << name << ' ' << value;
+        }
+}
 
 TEST(options, need_a_plugin)
 {
