@@ -65,6 +65,6 @@ set(CPACK_DEBIAN_TRUST_PACKAGE_ARCHITECTURE all)
 debian_package(development zorb-dev libdevel "development files for JSON-RPC plug-ins
 Headers, CMake package files and pkg-config for plug-ins that zorbd loads, and
 the code generator for remote interfaces."
-    DEPENDS ${same_build} SUGGESTS omniidl cyclonedds-tools cyclonedds-dev)
+    DEPENDS ${same_build} omniidl)
 
 include(CPack)
