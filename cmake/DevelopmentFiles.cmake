@@ -18,3 +18,10 @@ install(FILES ${PROJECT_BINARY_DIR}/zorbConfig.cmake ${PROJECT_BINARY_DIR}/zorbC
 file(RELATIVE_PATH zorb_prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/packaging/pkgconfig/zorb.pc.in ${PROJECT_BINARY_DIR}/zorb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zorb.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# The packaged examples. What they run on is the loopback interface only.
+set(zorb_example_folder ${CMAKE_INSTALL_DATADIR}/doc/zorb-dev/examples)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/greeter ${PROJECT_SOURCE_DIR}/examples/thermostat
+        DESTINATION ${zorb_example_folder} COMPONENT development)
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/cyclonedds-loopback.xml DESTINATION ${zorb_example_folder}
+        COMPONENT development)
