@@ -20,17 +20,31 @@ configure() {
     fi
 }
 
-# make_packages <preset>: Debian packages of what has been built, in build/<preset>/packages. The same sources give the
-# same packages.
+# make_packages <preset>: Debian packages of what has been built, in build/<preset>/packages, and those with debugging
+# symbols in its folder debug. The same sources give the same packages.
 make_packages() {
-    local log="build/$1/packages.log" time
-    rm -rf "build/$1/packages"
-    time=$(git log -1 --format=%ct 2>/dev/null || echo 0)
-    if ! SOURCE_DATE_EPOCH=$time cmake -E chdir "build/$1" cpack >"$log" 2>&1; then
+    local built=$PWD/build/$1 log="build/$1/packages.log" folder="build/$1/packages" for_target=() sysroot=''
+    if [[ $1 == armhf ]]; then
+        for_target=(dpkg-architecture -aarmhf -c) sysroot=$PWD/build/sysroot-armhf
+    fi
+    rm -rf "$folder"
+    mkdir -p "$folder/work"
+    cp -R debian "$folder/work/"
+    if ! (cd "$folder/work" && "${for_target[@]}" debian/rules binary BUILT="$built" SYSROOT="$sysroot") >"$log" 2>&1; then
         cat "$log" >&2
         complain "cannot make packages; the report above is also in $log"
         return 1
     fi
+    rm -r "$folder/work"
+    mkdir "$folder/debug"
+    mv "$folder"/*-dbgsym_*.deb "$folder/debug/"
+}
+
+# check_packages <folder>: Debian's own check finds no error and no warning; what is meant to be so is explained in
+# debian/*.lintian-overrides.
+check_packages() {
+    lintian --allow-root --fail-on error,warning --tag-display-limit 0 "$1"/{,debug/}*.deb ||
+        { complain "lintian has found something; 'lintian-explain-tags NAME' tells what it means"; return 1; }
 }
 
 # build <preset> [target...]: every target when none is named.

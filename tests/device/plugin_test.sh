@@ -12,7 +12,7 @@ source tests/device/elf.sh
 
 readonly most_bytes=$((96 * 1024))
 # What it is built on, then what these and the compiler bring. The last two are the C library's too.
-readonly known_libraries='libzorb.so.1 libVarnelRMI.so libddsrmi.so
+readonly known_libraries='libzorb.so.1 libVarnelRMI.so libddsrmi.so.1
     libstdc++.so.6 libgcc_s.so.1 libm.so.6 libc.so.6
     ld-linux-armhf.so.3 ld-linux-x86-64.so.2'
 
@@ -47,7 +47,7 @@ is_for_hard_float_arm() {
 expect "it has at most $most_bytes bytes" is_small
 expect "it exports RPCHandler and nothing else" exports_the_factory_alone
 expect "it needs only known libraries" needs_known_libraries_only
-for library in libzorb.so.1 libVarnelRMI.so libddsrmi.so; do
+for library in libzorb.so.1 libVarnelRMI.so libddsrmi.so.1; do
     expect "it needs $library" needs $library
 done
 if [[ $(elf_machine "$plugin") == ARM ]]; then

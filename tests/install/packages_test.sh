@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# The packages are installed by apt on a bare system, where the whole path then works; removed, they leave nothing.
+# The packages are installed by apt on a bare system, where the whole path then works.
 # Usage: packages_test.sh <folder with the packages>
 set -euo pipefail
 made=$(cd "$1" && pwd)

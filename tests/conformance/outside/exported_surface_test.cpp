@@ -148,7 +148,7 @@ TEST(ExportedSurface, rests_on_the_framework_the_interface_library_and_the_RMI_l
         if (!is_run_time_of_the_compiler(library))
             libraries.push_back(library);
 
-    EXPECT_THAT(libraries, testing::IsSubsetOf({"libzorb.so.1", "libVarnelRMI.so", "libddsrmi.so"}));
+    EXPECT_THAT(libraries, testing::IsSubsetOf({"libzorb.so.1", "libVarnelRMI.so", "libddsrmi.so.1"}));
     EXPECT_THAT(libraries, Contains("libzorb.so.1"));
     EXPECT_THAT(libraries, Contains("libVarnelRMI.so"));
 }
