@@ -24,6 +24,9 @@ public:
     virtual void handleReply(DDS::ReadCondition* condition) = 0;
 };
 
+/// Base of the generated reply handlers, from which a client derives its own and overrides the reply hooks.
+/// A handler may be used again once its reply has been delivered; a call with one that is still in use throws
+/// BAD_PARAM.
 class CAsyncReplyHandlerImpl : public CAsyncReplyHandler
 {
 public:

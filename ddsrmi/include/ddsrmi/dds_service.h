@@ -19,20 +19,41 @@ namespace DDS_RMI {
 class DDS_Service_Impl
 {
 public:
+    /// Whether the default runtime is up.
     bool isUsable() const;
+    /// What lookups go through.
     CInterfaceRegistry_ref getRegistry() const;
+    /// As DDS_Service::register_interface, of a skeleton of any interface.
     bool register_interface(const shared_ptr<CInterfaceSkeleton>& implementation, const std::string& name,
                             DDS::Long instance) const;
+    /// As DDS_Service::unregister_interface.
     bool unregister_interface(const std::string& name, DDS::Long instance) const;
+    /// As CRuntime::run, of one service.
     void run(const std::string& name) const;
+    /// As CRuntime::shutdown, of one service.
     void shutdown(const std::string& name) const;
+    /// Whether the service is being served.
     bool is_running(const std::string& name) const;
 };
 
-/// The facade to the default runtime that clients and servers use.
+/// The facade to the default runtime that clients and servers use. Any thread may call its functions. A
+/// server:
+///
+///     const CRuntime_ref runtime = CRuntime::getDefaultRuntime();
+///     runtime->start(argc, argv);
+///     DDS_Service::register_interface<ThermometerInterface, Thermometer>(
+///         shared_ptr<Thermometer>(new Thermometer), "Attic", 1);
+///     runtime->run();
+///
+/// A client, with the runtime started:
+///
+///     shared_ptr<ThermometerInterfaceProxy> attic;
+///     if (DDS_Service::getServerProxy("Attic", 1, attic))
+///         std::cout << attic->degrees();
 class DDS_Service
 {
 public:
+    /// What the functions below go to.
     static DDS_Service_Impl DDS_ServiceImpl;
 
     /// Offers `implementation` as the service `name` with that instance number; clients see it once it is
@@ -56,7 +77,9 @@ public:
 
     /// Serves a registered service until it is shut down.
     static void run(const std::string& name) { DDS_ServiceImpl.run(name); }
+    /// Ends run(name); returns when its operations that are being run have ended.
     static void shutdown(const std::string& name) { DDS_ServiceImpl.shutdown(name); }
+    /// Whether the service is being served.
     static bool is_running(const std::string& name) { return DDS_ServiceImpl.is_running(name); }
 
     /// Looks the proxy of any instance of a service up. Waits and throws as CInterfaceRegistry::resolve does;
@@ -68,6 +91,7 @@ public:
         return getServerProxy<Proxy>(name, -1, proxy_instance, proxy);
     }
 
+    /// The same for one instance of the service; -1 means any.
     template <class Proxy>
     static bool getServerProxy(const std::string& name, DDS::Long server_instance, DDS::Long proxy_instance,
                                shared_ptr<Proxy>& proxy)

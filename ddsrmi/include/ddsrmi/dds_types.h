@@ -4,17 +4,20 @@
 
 namespace DDS {
 
-typedef unsigned char Boolean;
+/// The types of IDL, of the same size on every machine.
+/// @{
+typedef unsigned char Boolean; ///< 0 or 1
 typedef char Char;
 typedef unsigned char Octet;
-typedef short Short;
-typedef unsigned short UShort;
-typedef int Long;
-typedef unsigned int ULong;
-typedef long long LongLong;
-typedef unsigned long long ULongLong;
-typedef float Float;
-typedef double Double;
+typedef short Short;                  ///< 16 bits
+typedef unsigned short UShort;        ///< 16 bits
+typedef int Long;                     ///< 32 bits
+typedef unsigned int ULong;           ///< 32 bits
+typedef long long LongLong;           ///< 64 bits
+typedef unsigned long long ULongLong; ///< 64 bits
+typedef float Float;                  ///< 32 bits, IEEE 754
+typedef double Double;                ///< 64 bits, IEEE 754
+/// @}
 
 /// A NUL-terminated text. Who is given one by value in a remote call owns it: the RMI layer frees every
 /// in-argument of a proxy call (also when the call throws) and every text that an implementation returns,
@@ -33,6 +36,7 @@ void string_free(String text);
 class ReadCondition
 {
 public:
+    /// The sample stays the caller's, and must outlive this.
     explicit ReadCondition(const void* sample);
     virtual ~ReadCondition();
     ReadCondition(const ReadCondition&) = delete;

@@ -13,10 +13,13 @@ namespace DDS_RMI {
 class SystemException : public virtual std::exception
 {
 public:
+    /// `message` is for people; `code` is the DDS return code behind the failure, where there is one.
     explicit SystemException(const std::string& message = "RMI system exception", int code = 0);
     ~SystemException() noexcept override;
+    /// The message; valid for as long as the exception.
     const char* what() const noexcept override;
 
+    /// What has failed, for people.
     std::string m_Msg;
     /// The DDS return code behind the failure; 0 where there is none.
     int dds_code;
@@ -26,7 +29,9 @@ public:
 class TIMEOUT : public virtual SystemException
 {
 public:
+    /// With a message that says no more than that.
     TIMEOUT();
+    /// `message` names what was waited for.
     explicit TIMEOUT(const std::string& message);
     ~TIMEOUT() noexcept override;
 };
@@ -35,13 +40,16 @@ public:
 class BAD_PARAM : public virtual SystemException
 {
 public:
+    /// `message` says what is wrong with the call.
     explicit BAD_PARAM(const char* message);
     ~BAD_PARAM() noexcept override;
 };
 
+/// A failure of the RMI layer, of DDS below it, or of the implementation at the other end.
 class INTERNAL_ERROR : public virtual SystemException
 {
 public:
+    /// `code` is the DDS return code behind the failure, where there is one.
     explicit INTERNAL_ERROR(const char* message, int code = 0);
     ~INTERNAL_ERROR() noexcept override;
 };
@@ -50,7 +58,9 @@ public:
 class SERVICE_NOT_FOUND : public virtual SystemException
 {
 public:
+    /// With a message that says no more than that.
     SERVICE_NOT_FOUND();
+    /// `message` names the service.
     explicit SERVICE_NOT_FOUND(const std::string& message);
     ~SERVICE_NOT_FOUND() noexcept override;
 };
@@ -59,6 +69,7 @@ public:
 class BAD_INV_ORDER : public virtual SystemException
 {
 public:
+    /// `message` says what was called too early or too late.
     explicit BAD_INV_ORDER(const char* message);
     ~BAD_INV_ORDER() noexcept override;
 };
@@ -74,7 +85,9 @@ public:
 protected:
     /// The name stays the caller's and must outlive the exception and its copies.
     explicit UserException(const char* name);
+    /// Exceptions are values.
     UserException(const UserException&) = default;
+    /// Takes the other's members.
     UserException& operator=(const UserException&) = default;
 
 private:

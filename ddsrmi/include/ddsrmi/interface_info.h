@@ -16,7 +16,7 @@ struct ProxySeed;
 /// One operation of an interface.
 struct OperationInfo
 {
-    const char* name;
+    const char* name; ///< as in the IDL file
     /// Its name and types as people read them; two versions of an operation differ here.
     const char* signature;
     /// Of the signature; what requests name the operation by.
@@ -28,10 +28,10 @@ struct InterfaceInfo
 {
     /// The interface's scoped name, e.g. "M::I".
     const char* server_class;
-    const char* request_topic;
-    const char* reply_topic;
-    const OperationInfo* operations;
-    std::size_t operation_count;
+    const char* request_topic;       ///< DDS topic of all requests
+    const char* reply_topic;         ///< DDS topic of all replies
+    const OperationInfo* operations; ///< in the order of the IDL file
+    std::size_t operation_count;     ///< length of `operations`
 };
 
 /// Makes the interface's proxy for a connection that the registry has established.
@@ -42,6 +42,7 @@ typedef CInterfaceProxy* (*ProxyFactory)(const ProxySeed& seed);
 class ProxyRegistration
 {
 public:
+    /// `interface_info` must outlive this.
     ProxyRegistration(const InterfaceInfo& interface_info, ProxyFactory factory);
     ~ProxyRegistration();
     ProxyRegistration(const ProxyRegistration&) = delete;
@@ -56,11 +57,13 @@ private:
 class OwnedString
 {
 public:
+    /// Takes ownership of `text`, which DDS::string_free can free; it may be null.
     explicit OwnedString(DDS::String text = nullptr) : m_text(text) {}
     ~OwnedString() { DDS::string_free(m_text); }
     OwnedString(const OwnedString&) = delete;
     OwnedString& operator=(const OwnedString&) = delete;
 
+    /// The text, still owned by this.
     DDS::String get() const { return m_text; }
     /// For who puts another text in its place and frees what was there.
     DDS::String& slot() { return m_text; }

@@ -34,9 +34,11 @@ public:
     /// How long, in milliseconds, the reply of a request that is made from now on is waited for; then the
     /// request is given up, its handler released and one line written to standard error. 600,000 unless set.
     void setTimeout(unsigned milliseconds);
+    /// In milliseconds.
     unsigned getTimeout() const;
 
 protected:
+    /// For the ProxyFactory of a generated proxy.
     explicit CInterfaceProxy(const ProxySeed& seed);
 
     /// Sends a request with the encoded arguments and returns. Takes a reference to `handler` until its reply

@@ -20,6 +20,7 @@ class RuntimeCore;
 class CInterfaceRegistry : public virtual RefCounted
 {
 public:
+    /// For the runtime; see CRuntime::getRegistry.
     explicit CInterfaceRegistry(const std::shared_ptr<RuntimeCore>& core);
     ~CInterfaceRegistry() override;
 

@@ -21,6 +21,7 @@ class CInterfaceSkeleton : public virtual RefCounted
 public:
     ~CInterfaceSkeleton() override;
 
+    /// What the interface is called and which operations it has.
     virtual const InterfaceInfo& _interface_info() const = 0;
 
     /// Runs one operation with the arguments in `request` and puts its result into `reply`. Throws

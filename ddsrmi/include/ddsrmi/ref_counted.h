@@ -11,11 +11,15 @@ class SDKMutex
 {
 public:
     virtual ~SDKMutex();
+    /// To be called once, before anything else.
     virtual int initialize() = 0;
+    /// Waits for the mutex; it is not recursive.
     virtual int lock() = 0;
+    /// By the thread that has locked it.
     virtual int unlock() = 0;
 };
 
+/// Where the mutexes of counted objects come from.
 class SDKMutexFactory
 {
 public:
@@ -34,8 +38,9 @@ public:
     RefCounted(const RefCounted&) = delete;
     RefCounted& operator=(const RefCounted&) = delete;
 
+    /// One more reference. Any thread may count.
     void inc_refcount();
-    /// Deletes the object when the count reaches 0.
+    /// One reference less; deletes the object, on this thread, when the count reaches 0.
     void dec_refcount();
 
 private:

@@ -12,7 +12,7 @@ namespace DDS_RMI {
 /// What is known of the server behind a proxy.
 struct ServiceState
 {
-    std::string service;
+    std::string service; ///< its name
     /// Whether calls are accepted now: a server is there and was heard of within the last lease.
     bool reachable;
 };

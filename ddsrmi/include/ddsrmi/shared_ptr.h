@@ -12,10 +12,14 @@ template <class T>
 class shared_ptr
 {
 public:
+    /// Empty.
     shared_ptr() : m_object(nullptr) {}
 
+    /// One more reference to `object`, which may be null. An object fresh from `new` has none yet, and
+    /// belongs to its handles from then on.
     shared_ptr(T* object) : m_object(object) { hold(); }
 
+    /// One more reference to the same object.
     shared_ptr(const shared_ptr& other) : m_object(other.m_object) { hold(); }
 
     /// Empty when the object is no T.
@@ -25,8 +29,10 @@ public:
         hold();
     }
 
+    /// Drops its reference; the last one deletes the object.
     virtual ~shared_ptr() { drop(m_object); }
 
+    /// Takes a reference to the other's object, then drops its own one.
     shared_ptr& operator=(const shared_ptr& other)
     {
         if (this != &other)
@@ -34,8 +40,10 @@ public:
         return *this;
     }
 
+    /// Drops its reference; empty afterwards.
     void reset() { reset(nullptr); }
 
+    /// Takes a reference to `object`, then drops its own one.
     void reset(T* object)
     {
         T* const previous = m_object;
@@ -44,8 +52,10 @@ public:
         drop(previous);
     }
 
+    /// The object, which must be there.
     T* operator->() const { return m_object; }
 
+    /// The object, still owned by its handles; null when empty.
     T* get() const { return m_object; }
 
 private:

@@ -28,13 +28,18 @@ public:
     /// none when it is empty. The error shares it, so that it belongs to the thread that throws (see
     /// KX_JSON).
     RpcError(int code, const std::string& message, const data::KX_JSON& data = data::KX_JSON());
+    /// A copy shares the data.
     RpcError(const RpcError& other) noexcept;
+    /// Shares the other's data.
     RpcError& operator=(const RpcError& other) noexcept;
     // In the library, so that host and plug-ins mean the same type.
     ~RpcError() noexcept override;
 
     // what() is the message.
+
+    /// The error's code.
     int code() const noexcept { return m_code; }
+    /// The error's data, still owned by it; empty when there is none.
     const data::KX_JSON& data() const noexcept { return m_data; }
 
 private:

@@ -29,8 +29,10 @@ template <class T>
 class RpcMethod : public CallbackMethod
 {
 public:
+    /// The method: what CallbackMethod::Call says of `in`, `out` and what is returned holds for it.
     typedef int (T::*Method)(const data::KX_JSON& in, data::KX_JSON& out);
 
+    /// `name` is the JSON-RPC method name.
     RpcMethod(const std::string& name, T* owner, Method method, const data::KX_JSON& description)
         : m_owner(owner), m_method(method), m_name(name), m_description(description)
     {

@@ -39,10 +39,15 @@ public:
     KX_JSON() noexcept;
     /// Takes a reference of its own; the caller keeps its own one. A null pointer gives an empty value.
     explicit KX_JSON(const json_object* object) noexcept;
+    /// Shares the other's object.
     KX_JSON(const KX_JSON& other) noexcept;
+    /// Takes the other's object; the other one is empty afterwards.
     KX_JSON(KX_JSON&& other) noexcept;
+    /// Drops its object and shares the other's.
     KX_JSON& operator=(const KX_JSON& other) noexcept;
+    /// Drops its object and takes the other's; the other one is empty afterwards.
     KX_JSON& operator=(KX_JSON&& other) noexcept;
+    /// Drops its reference; the last one frees the object.
     ~KX_JSON();
 
     /// The JSON object `{}`.
@@ -75,31 +80,39 @@ public:
     bool get_json_bool(const std::string& key) const;
 
     /// This value itself, read as the getters above read a member.
+    /// @{
     std::string as_string() const;
     int as_int() const;
     std::int64_t as_int64() const;
     double as_double() const;
     bool as_bool() const;
+    /// @}
+
+    /// What this value is.
     Type type() const noexcept;
 
     /// Set a member; an empty value becomes a JSON object first. Throw std::logic_error when this is a value
     /// of another type, or when a value is to be made a member of itself, and std::domain_error for a number
     /// that is not finite, which JSON cannot say. Texts are to be UTF-8, or the host will not send them.
+    /// @{
     void set_json_object(const std::string& key, const KX_JSON& value);
     void set_json_string(const std::string& key, const std::string& value);
     void set_json_int(const std::string& key, int value);
     void set_json_int64(const std::string& key, std::int64_t value);
     void set_json_double(const std::string& key, double value);
     void set_json_bool(const std::string& key, bool value);
+    /// @}
 
     /// Put an element at the end of an array; an empty value becomes a JSON array first. They throw as the
     /// setters of members do.
+    /// @{
     void append_json_object(const KX_JSON& value);
     void append_json_string(const std::string& value);
     void append_json_int(int value);
     void append_json_int64(std::int64_t value);
     void append_json_double(double value);
     void append_json_bool(bool value);
+    /// @}
 
     /// How many elements an array, or members an object has; 0 for any other value.
     std::size_t size() const noexcept;

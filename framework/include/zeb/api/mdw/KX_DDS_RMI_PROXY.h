@@ -21,10 +21,23 @@ namespace mdw {
 ///
 /// Construction blocks for as long as the lookup waits (see setServiceDiscoveryTimeout). A service that is
 /// not there is no error: ask isProxyFound(). Every other failure leaves the constructor as an exception.
+///
+/// `TProxy` is a generated proxy. A handler that holds one is bound when it was found:
+///
+///     class HouseHandler : public KX_RPCHandler
+///     {
+///     public:
+///         HouseHandler() : m_attic("Attic") {}
+///         bool isBound() override { return m_attic.isProxyFound(); }
+///
+///     private:
+///         mdw::KX_DDS_RMI_PROXY<ThermometerInterfaceProxy> m_attic;
+///     };
 template <class TProxy>
 class KX_DDS_RMI_PROXY : public KX_DDS_RMI_RUNTIME
 {
 public:
+    /// Starts the runtime and looks any instance of the service up.
     explicit KX_DDS_RMI_PROXY(std::string serviceName);
     ~KX_DDS_RMI_PROXY();
 

@@ -29,6 +29,7 @@ public:
     void stopRUNTIME();
 
 protected:
+    /// Empty until startRUNTIME.
     org::opensplice::DDS_RMI::shared_ptr<org::opensplice::DDS_RMI::CRuntime> m_runtime;
 };
 

@@ -12,7 +12,7 @@ namespace mdw {
 /// What is known of a remote service that a plug-in has found.
 struct ServiceState
 {
-    std::string name;
+    std::string name; ///< of the service
     /// Whether its server is there and was heard of within the last lease of Cyclone DDS (10 s as it comes).
     bool reachable;
 };
