@@ -2,6 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <string>
+
 #include "generator_run.h"
 
 namespace {
@@ -117,6 +121,27 @@ TEST(Generator, generates_nothing_for_what_an_included_file_declares)
     EXPECT_EQ(run.errors(), "");
     EXPECT_THAT(run.content("sample_Interface.h"), HasSubstr("class IInterface "));
     EXPECT_THAT(run.content("sample_Interface.h"), Not(HasSubstr("class JInterface ")));
+}
+
+/// The first block of IDL in a page of the documentation.
+std::string example_in(const std::string& page)
+{
+    std::ifstream stream(page);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    const std::string fence = "```idl\n";
+    const auto begin = text.find(fence) + fence.size();
+    return text.substr(begin, text.find("```", begin) - begin);
+}
+
+TEST(Generator, takes_the_example_of_its_documentation)
+{
+    const std::string example = example_in(MAPPING_PAGE);
+    ASSERT_THAT(example, HasSubstr("struct Settings"));
+
+    const GeneratorRun run(example);
+
+    EXPECT_EQ(run.errors(), "");
+    EXPECT_THAT(run.content("sample_InterfaceProxy.h"), HasSubstr("virtual void async_set("));
 }
 
 } // namespace

@@ -8,6 +8,8 @@
 namespace fuzz {
 namespace {
 
+using DDS_RMI::Fuzzed::Colour;
+using DDS_RMI::Fuzzed::Whole;
 using drill::ForeignServer;
 using drill::rmi::ReplyKind;
 using drill::rmi::RequestKind;
@@ -36,6 +38,21 @@ class RealReader final : public DDS_RMI::Fuzzed::Target_real_Reply_Handler
 {
     void real_Reply(DDS::Double /*result*/) override {}
 };
+/// Reads all that the reply brings, or what is said of the exception.
+class ComposedReader final : public DDS_RMI::Fuzzed::Target_composed_Reply_Handler,
+                             public rmi::CallFailureHandler
+{
+    void composed_Reply(const Whole& result, Colour tint, DDS::String name) override
+    {
+        m_sum = result.parts.size() + result.rows.size() + result.text.size() + tint + std::strlen(name);
+    }
+    void handleFailure(rmi::CallFailure reason, const char* text) override
+    {
+        m_sum = static_cast<std::size_t>(reason) + std::strlen(text);
+    }
+
+    volatile std::size_t m_sum = 0;
+};
 
 void call_text(const Proxy& proxy)
 {
@@ -57,8 +74,14 @@ void call_real(const Proxy& proxy)
     const rmi::shared_ptr<RealReader> handler(new RealReader);
     proxy->async_real(1, 2, handler.get());
 }
+void call_composed(const Proxy& proxy)
+{
+    const rmi::shared_ptr<ComposedReader> handler(new ComposedReader);
+    proxy->async_composed(Whole(), DDS_RMI::Fuzzed::blue, handler.get());
+}
 
-constexpr std::array<void (*)(const Proxy&), 4> calls{call_text, call_small, call_large, call_real};
+constexpr std::array<void (*)(const Proxy&), 5> calls{call_text, call_small, call_large, call_real,
+                                                      call_composed};
 
 } // namespace
 

@@ -10,11 +10,14 @@ WIRE_VERSION = 2
 OWN_SESSION, NEXT, CHOSEN = 1, 2, 4  # the switches of input.h
 HELLO, CALL, PING, WANT = 1, 2, 3, 4
 WELCOME, RESULT, FAILED, UNKNOWN_OPERATION, OVERDUE, PONG, GRANT, FORGOTTEN, SECOND_CHOICE = range(1, 10)
-NUMBER, TEXT, TEXTS, SMALL, LARGE, REAL, NOTHING, FAILING = range(8)  # in the order of fuzzed.idl
+NUMBER, TEXT, TEXTS, SMALL, LARGE, REAL, NOTHING, FAILING, COMPOSED, UNHEEDED = range(10)  # in the order of fuzzed.idl
 SIGNATURES = ["long number(long)", "string text(string)", "string texts(string, long, string)",
               "octet small(boolean, octet, char, short, unsigned short)",
               "long long large(long long, unsigned long long, unsigned long)", "double real(float, double)",
-              "void nothing()", "long failing()"]
+              "void nothing()", "long failing()",
+              "Fuzzed::Whole#f9c517a8be39de11 composed(Fuzzed::Whole#f9c517a8be39de11, "
+              "inout Fuzzed::Colour#aec0ed38883abb68, out string<8>) raises (Fuzzed::Broken#5d38c2848ac3450b)",
+              "oneway void unheeded(Fuzzed::Whole#f9c517a8be39de11)"]
 PATIENCE_MS = 60000
 LITTLE_ENDIAN, BIG_ENDIAN, UNKNOWN_ENCODING = b"\0\1\0\0", b"\0\0\0\0", b"\x7f\x7f\0\0"
 
@@ -79,6 +82,18 @@ def encoded(code, *values):
     return out
 
 
+def part(colour, name):
+    return encoded("Is", colour, name)
+
+
+def whole(parts, rows, text="text"):
+    """A value of the struct Whole; its parts and its rows are bytes already."""
+    out = struct.pack("<I", len(parts)) + b"".join(parts) + struct.pack("<I", len(rows))
+    for row in rows:
+        out += struct.pack("<I", len(row)) + row
+    return out + b"\1\0" + encoded("s", text)
+
+
 def seed(operation, switches, message, encoding=LITTLE_ENDIAN):
     return bytes([operation, switches]) + encoding + message
 
@@ -109,6 +124,18 @@ REQUESTS = {
     "call_real": call(REAL, encoded("fd", 0.5, float("nan"))),
     "call_nothing": call(NOTHING, b""),
     "call_failing": call(FAILING, b""),
+    "call_composed": call(COMPOSED, whole([part(0, "red one"), part(2, "8 bytes.")], [b"", b"ab", b"c"])
+                          + encoded("I", 1)),
+    "call_composed_that_raises": call(COMPOSED, whole([], []) + encoded("I", 0)),
+    "call_composed_cut_short": call(COMPOSED, whole([part(0, "red one")], [b"row"])[:-3]),
+    "call_composed_of_false_count": call(COMPOSED, struct.pack("<I", 0xFFFFFFFF) + part(0, "red one")),
+    "call_composed_of_false_inner_count": call(COMPOSED, encoded("III", 0, 1, 0xFFFFFFFF) + b"row"),
+    "call_composed_over_its_bound": call(COMPOSED, whole([], [b"", b"", b"", b""]) + encoded("I", 0)),
+    "call_composed_with_overlong_name": call(COMPOSED, whole([part(0, "nine byte")], []) + encoded("I", 0)),
+    "call_composed_without_such_an_enum": call(COMPOSED, whole([part(3, "")], []) + encoded("I", 0)),
+    "call_composed_without_such_a_tint": call(COMPOSED, whole([part(1, "")], []) + encoded("I", 0xFFFFFFFF)),
+    "call_unheeded": call(UNHEEDED, whole([part(1, "green")], [b"row"])),
+    "call_unheeded_cut_short": call(UNHEEDED, whole([part(1, "green")], [b"row"])[:7]),
     "call_number_cut_short": call(NUMBER, b"\1\2\3"),
     "call_number_with_bytes_behind": call(NUMBER, encoded("iB", 42, 7)),
     "call_unknown_operation": seed(0, OWN_SESSION | NEXT, request(CALL, operation=0xDEAD)),
@@ -139,6 +166,14 @@ REPLIES = {
     "result_text": result(0, encoded("s", "a text")),
     "result_text_empty": result(0, encoded("s", "")),
     "result_text_long": result(0, encoded("s", "x" * 3000)),
+    "result_composed": result(4, encoded("I", 0) + whole([part(2, "blue")], [b"row"]) + encoded("Is", 2, "name")),
+    "result_composed_cut_short": result(4, encoded("I", 0) + whole([part(2, "blue")], [b"row"])),
+    "result_composed_of_false_count": result(4, encoded("II", 0, 0xFFFFFFFF)),
+    "result_composed_without_such_an_enum": result(4, encoded("I", 0) + whole([], []) + encoded("Is", 3, "name")),
+    "result_raised": result(4, encoded("I", 1) + part(1, "green") + encoded("Iss", 2, "one", "two")),
+    "result_raised_cut_short": result(4, encoded("I", 1) + part(1, "green") + encoded("Is", 2, "one")),
+    "result_raised_of_false_count": result(4, encoded("I", 1) + part(1, "green") + encoded("I", 0x7FFFFFFF)),
+    "result_raised_unknown": result(4, encoded("I", 2) + part(1, "green")),
     "result_text_without_end": result(0, struct.pack("<I", 4) + b"text"),
     "result_text_of_false_size": result(0, struct.pack("<I", 0x80000000) + b"text\0"),
     "result_small": result(1, b"\xff"),

@@ -10,6 +10,8 @@
 namespace fuzz {
 namespace {
 
+using DDS_RMI::Fuzzed::Colour;
+using DDS_RMI::Fuzzed::Whole;
 using drill::rmi::ReplyKind;
 using drill::rmi::RequestKind;
 
@@ -35,6 +37,15 @@ public:
     DDS::Double real(DDS::Float /*single*/, DDS::Double twice) override { return twice; }
     void nothing() override {}
     DDS::Long failing() override { throw std::runtime_error("asked for"); }
+    Whole composed(const Whole& value, Colour& tint, DDS::String& name) override
+    {
+        if (value.parts.empty())
+            throw DDS_RMI::Fuzzed::Broken();
+        tint = value.parts.back().paint;
+        name = DDS::string_dup(value.parts.front().name.c_str());
+        return value;
+    }
+    void unheeded(const Whole& /*value*/) override {}
 };
 
 Proxy serve_and_find(const Stage& stage)
