@@ -83,9 +83,9 @@ def _returned_comment(interface):
     if not any(argument.type.is_text for operation in interface.operations for argument in operation.returned):
         return ""
     return """\
-/// A text that an argument gives back is the caller's to free, too. What the caller has in a text argument that
-/// goes both ways is freed when another takes its place; when the call throws, it stays the caller's. (The
-/// asynchronous form takes it over like any other.)
+/// A text that an out or inout argument brings back is the caller's to free, too. The text that an inout argument
+/// came with is then freed; when the call throws, it stays the caller's. (The asynchronous form takes it over like
+/// any other argument.)
 """
 
 

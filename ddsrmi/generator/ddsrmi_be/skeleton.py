@@ -38,8 +38,8 @@ def _returned_comment(interface):
     if not any(argument.type.is_text for operation in interface.operations for argument in operation.returned):
         return ""
     return """\
-/// A text that an argument gives back is made in the same way and becomes the RMI layer's, too; what such an
-/// argument comes with is freed, with DDS::string_free, by who puts another text in its place.
+/// The text of an out argument is made in the same way and becomes the RMI layer's, too. Who puts another text into
+/// an inout argument frees the one that is there, with DDS::string_free.
 """
 
 
