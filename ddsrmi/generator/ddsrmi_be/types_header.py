@@ -17,7 +17,7 @@ def name(stem):
 
 def files(source, stem, declarations):
     groups = groupby(declarations, key=modules)
-    parts = [cpp_layout.in_namespace(scopes, filter(None, map(_text, group))) for scopes, group in groups]
+    parts = [cpp_layout.in_namespace(scopes, _texts(group)) for scopes, group in groups]
     yield name(stem), cpp_layout.header(source, name(stem), _INCLUDES, parts)
 
 
@@ -26,8 +26,11 @@ def modules(declaration):
     return tuple(named.scopedName()[:-1])
 
 
-def _text(declaration):
-    return _TEXTS[type(declaration)](declaration)
+def _texts(declarations):
+    """Constants and typedefs that follow each other stand together."""
+    for kind, group in groupby(declarations, key=type):
+        texts = [_TEXTS[kind](declaration) for declaration in group]
+        yield from ["".join(texts)] if kind in (idlast.Const, idlast.Typedef) else texts
 
 
 def _enum(declaration):
