@@ -14,7 +14,6 @@ folder=$(mktemp -d)
 trap 'stop_all; rm -rf "$folder"' EXIT
 use_loopback_domain "$folder"
 (umask 077 && echo a-token-of-some-length >"$folder/token")
-start "$folder/varnelde.log" "$build/bin/varnelde"
 start "$folder/zorbd.log" "$build/bin/zorbd" --listen 127.0.0.1:0 --unix-socket "$folder/socket" \
     --token-file "$folder/token" --plugin "$build/lib/libvarnelrpc_1.0.2.so"
 follow "$folder/zorbd.log" $!
@@ -22,6 +21,11 @@ expect "zorbd listens" await_line 60 'ready on (http://127\.0\.0\.1:[0-9]+/)'
 readonly url=${BASH_REMATCH[1]}
 export ZORBCTL_SOCKET=$folder/socket
 PATH=$build/bin:$PATH
+
+expect "code of a plug-in that waits" exits_with 5 zorbctl health
+expect "what waits is told" contains "$(zorbctl health || true)" 'libvarnelrpc_1.0.2.so: waits for its service'
+start "$folder/varnelde.log" "$build/bin/varnelde"
+readonly server=$!
 until zorbctl health >/dev/null; do :; done
 
 readonly node=02:00:00:00:00:01
@@ -50,6 +54,12 @@ expect "code of a wrong type" exits_with 2 zorbctl call node_set_config_revert m
 expect "code of a word without =" exits_with 2 zorbctl call node_get_data $node
 expect "code of an unknown method" exits_with 2 zorbctl describe nobody
 expect "code of an unknown option" exits_with 2 zorbctl --nothing list
+for seconds in nan inf -1 0 1e999 soon ''; do
+    expect "code of --timeout '$seconds'" exits_with 2 zorbctl --timeout "$seconds" list
+done
+for count in 0 -1 nan 99999999999999999999999; do
+    expect "code of --count $count" exits_with 2 zorbctl watch --count "$count"
+done
 expect "code without a host" exits_with 3 zorbctl --unix-socket "$folder/nowhere" list
 
 watched=$(zorbctl watch --after 0 --filter "returns: 1" --count 2)
@@ -91,10 +101,21 @@ metrics=$(curl --silent --noproxy '*' "$open_url/metrics")
 expect "promtool takes the metrics" promtool check metrics <<<"$metrics"
 expect "calls are counted" contains "$metrics" 'zorbd_calls_total{method="node_get_data",code="0"} 1'
 
-kill -STOP "${started[0]}" # the server
-until grep -q '^State:.T' "/proc/${started[0]}/status"; do :; done
+# A call that takes too long, on a host with a plug-in of the tests.
+start "$folder/stuck.log" "$build/bin/zorbd" --unix-socket "$folder/stuck" --call-timeout 0.2 \
+    --plugin "$build/tests/host/plugins/libserved_methods.so"
+mkfifo "$folder/fifo"
+until zorbctl --unix-socket "$folder/stuck" health >/dev/null 2>&1; do :; done
+expect "a call that takes too long is told of" contains \
+    "$(zorbctl --unix-socket "$folder/stuck" call hold --json "{\"fifo\": \"$folder/fifo\"}" 2>&1 || true)" 'hold: no answer within 0.2 s'
+expect "code of a call that takes too long" exits_with 5 zorbctl --unix-socket "$folder/stuck" health
+expect "what takes too long is told" contains "$(zorbctl --unix-socket "$folder/stuck" health || true)" 'calls that take too long: 1'
+: >"$folder/fifo"
+
+kill -STOP "$server"
+until grep -q '^State:.T' "/proc/$server/status"; do :; done
 expect "code of a reply that does not come" exits_with 4 zorbctl --timeout 1 call network_get_info --wait
-kill -CONT "${started[0]}"
+kill -CONT "$server"
 
 # Every option of the help stands in the manual page, and every option of the page in the help.
 help=$(zorbctl --help; for command in list describe call watch health; do zorbctl $command --help; done)

@@ -11,7 +11,7 @@ enum ExitCode : int {
     exit_usage = 2,
     exit_unreachable = 3, ///< the host cannot be reached, or does not let the request in
     exit_no_reply = 4,    ///< the reply line did not come in time
-    exit_unhealthy = 5,   ///< a plug-in waits for its service
+    exit_unhealthy = 5,   ///< a plug-in waits for its service, or calls of it take too long
 };
 
 } // namespace zorbctl

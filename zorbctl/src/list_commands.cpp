@@ -102,12 +102,18 @@ int tell_health(Client& client, const Options& options)
         return code;
     }
     std::cout << report.value("status", "") << '\n';
-    for (const Json& plugin : report.value("plugins", Json::array()))
+    for (const Json& plugin : report.value("plugins", Json::array())) {
         std::cout << "  " << plugin.value("file", "") << ": "
                   << (plugin.value("bound", false)
                           ? "bound, " + plugin.value("methods", Json(0)).dump() + " methods"
-                          : "waits for its service")
-                  << '\n';
+                          : "waits for its service");
+        if (const int stuck = plugin.value("stuck", 0))
+            std::cout << ", calls that take too long: " << stuck;
+        std::cout << '\n';
+    }
+    for (const Json& service : report.value("services", Json::array()))
+        if (!service.value("reachable", true))
+            std::cout << "  service " << service.value("name", "") << " cannot be reached\n";
     for (const Json& stream : report.value("streams", Json::array()))
         if (stream.contains("trouble") || stream.value("dropped", 0) != 0)
             std::cout << "  " << stream.value("name", "") << ": "

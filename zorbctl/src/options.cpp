@@ -19,7 +19,17 @@ constexpr const char* footer =
     "--unix-socket.\n"
     "Exit codes: 0 done, 1 the host answered with an error or the reply tells of a failure, 2 wrong option,\n"
     "3 the host cannot be reached or does not let the request in, 4 the reply line did not come in time,\n"
-    "5 a plug-in waits for its service (health).";
+    "5 a plug-in waits for its service, or calls of it take too long (health).";
+
+/// CLI11's own check lets nan pass, which is neither below nor above.
+std::string check_timeout(const std::string& text)
+{
+    double seconds = 0;
+    const bool is_number = CLI::detail::lexical_cast(text, seconds);
+    return is_number && seconds >= 0.1 && seconds <= 86400
+               ? ""
+               : "'" + text + "' is no number of seconds in the range 0.1..86400";
+}
 
 void add_connection(CLI::App& app, Options& options)
 {
@@ -35,7 +45,7 @@ void add_connection(CLI::App& app, Options& options)
         ->type_name("FILE");
     app.add_option("--timeout", options.timeout, "Seconds to wait for an answer, and for a reply line")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.1, 86400.0))
+        ->check(CLI::Validator(check_timeout, "0.1..86400"))
         ->capture_default_str();
     app.add_option_function<std::string>(
            "--output", [&options](const std::string& form) { options.json = form == "json"; },
@@ -68,7 +78,9 @@ void add_commands(CLI::App& app, Options& options)
     watch->add_option("--filter", options.filter, "Only what has this text in it")->type_name("TEXT");
     watch->add_option("--after", options.after, "Begin with what followed this event; 0 for all that is kept")
         ->type_name("ID");
-    watch->add_option("--count", options.count, "End after so many")->type_name("NUMBER");
+    watch->add_option("--count", options.count, "End after so many")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1.0, 1e9));
     add_command(app, options, Command::health, "health", "Tell which plug-ins are bound");
     auto* complete = add_command(app, options, Command::complete, "complete", "");
     complete->group("")->add_option("WORDS", options.words);
