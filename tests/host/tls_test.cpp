@@ -42,6 +42,20 @@ public:
             ".pem");
     }
 
+    /// A certificate for the server's key, from 2036 on.
+    void issue_for_the_future(const std::string& name, const std::string& authority) const
+    {
+        m_folder.write("account", "");
+        m_folder.write("serial", "01\n");
+        m_folder.write("openssl.cnf", "[ca]\ndefault_ca = own\n[own]\ndatabase = account\nserial = serial\n"
+                                      "new_certs_dir = .\ndefault_md = sha256\npolicy = any\n"
+                                      "[any]\ncommonName = supplied\n");
+        run("openssl req -new -key server.key -subj /CN=" + name +
+            " -out request.pem && openssl ca -config openssl.cnf -batch -notext -in request.pem -cert " +
+            authority + ".pem -keyfile " + authority +
+            ".key -startdate 20360101000000Z -enddate 20370101000000Z -out " + name + ".pem");
+    }
+
     Options server_options() const
     {
         return {"--tls-certificate", path("server.pem"), "--tls-key", path("server.key")};
@@ -197,6 +211,15 @@ TEST_F(Https, keeps_what_it_has_when_the_new_files_are_no_good)
 
     EXPECT_THAT(zorbd.wait_for_error_line("stays in use"), Optional(HasSubstr(m_files.path("server.pem"))));
     EXPECT_THAT(ask(zorbd), HasSubstr("\"status\":\"ok\""));
+}
+
+TEST_F(Https, asks_whether_the_clock_is_right_when_a_certificate_is_not_valid_yet)
+{
+    m_files.issue_for_the_future("early", "ca");
+
+    EXPECT_THAT(
+        complaint({"--tls-certificate", m_files.path("early.pem"), "--tls-key", m_files.path("server.key")}),
+        HasSubstr(m_files.path("early.pem") + " is not valid yet; is this machine's clock right?"));
 }
 
 TEST_F(Https, names_the_file_that_it_cannot_begin_with)

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -227,6 +228,55 @@ TEST_F(Roles, end_for_a_revoked_peer_when_the_others_have_been_restarted_with_th
 
     EXPECT_THAT(report_of_unbound_host(lost), HasSubstr("was not found within"));
     EXPECT_THAT(server.error_output(), HasSubstr("revoked"));
+}
+
+/// Puts what another authority has made for a peer in the place of what the peer has.
+void copy_in_place(const TrustFolder& from, const TrustFolder& to, const std::string& name)
+{
+    namespace fs = std::filesystem;
+    fs::copy(from.peer(name), to.peer(name),
+             fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+    replace_in_file(to.configuration(name), from.peer(name), to.peer(name));
+    run({ZORB_TRUST, "check", to.configuration(name)});
+}
+
+TEST_F(Roles, are_the_same_under_another_authority_once_all_have_been_restarted)
+{
+    const TrustFolder next(m_known.domain.id());
+    next.add("known-server", "server");
+    next.add("known-host", "host");
+    {
+        const ChildProcess server = start_server({}, m_known.server);
+        copy_in_place(next, m_known.trust, "known-server");
+        copy_in_place(next, m_known.trust, "known-host");
+
+        EXPECT_THAT(report_of_unbound_host(m_known.host), HasSubstr("was not found within"))
+            << "the server still runs with what it has read from the old authority";
+    }
+
+    const ChildProcess server = start_server({}, m_known.server);
+    Host host({}, m_known.host);
+    host.wait_until_bound();
+
+    EXPECT_EQ(count_answered(host, every_method()), all_calls);
+}
+
+TEST_F(Roles, are_nobodys_while_a_file_is_missing_or_half_written_and_the_message_says_where_to_look)
+{
+    const auto damage = [this](const char* file, std::uintmax_t size) {
+        const std::filesystem::path damaged = m_known.trust.peer("known-host") / file;
+        const std::string whole = read_file(damaged);
+        std::filesystem::resize_file(damaged, size);
+        const std::string report = report_of_unbound_host(m_known.host);
+        std::ofstream(damaged, std::ios::binary) << whole;
+        return report;
+    };
+    const std::string advice = "zorb-trust check " + m_known.trust.configuration("known-host").string();
+
+    EXPECT_THAT(damage("identity.key", 0), HasSubstr(advice));
+    EXPECT_THAT(damage("identity.pem", 100), HasSubstr(advice));
+    EXPECT_THAT(damage("permissions.p7s", 1000), HasSubstr(advice));
+    EXPECT_THAT(damage("cyclonedds.xml", 300), HasSubstr(advice));
 }
 
 TEST_F(Roles, both_may_call_and_serve)

@@ -279,7 +279,8 @@ class Check(WithAuthority):
 
         self.assertIn("was not signed by the authority", self.finding())
 
-    def test_finds_an_expired_certificate(self):
+    def certify(self, start, end):
+        """Gives the peer another certificate, for that period."""
         authority = self.folder / "authority"
         request, certificate = authority / "request", self.peer("gateway") / "identity.pem"
         key = self.peer("gateway") / "identity.key"
@@ -287,15 +288,27 @@ class Check(WithAuthority):
             ["req", "-new", "-config", "openssl.cnf", "-section", "request", "-key", key, "-subj", "/O=zorb/CN=gateway"]
             + ["-out", request],
             ["ca", "-config", "openssl.cnf", "-batch", "-notext", "-in", request, "-out", certificate]
-            + ["-startdate", "20240101000000Z", "-enddate", "20250101000000Z"],
+            + ["-startdate", start, "-enddate", end],
         ):
             subprocess.run(["openssl", *map(str, command)], cwd=authority, check=True, capture_output=True)
+        return certificate
+
+    def test_finds_an_expired_certificate(self):
+        certificate = self.certify("20240101000000Z", "20250101000000Z")
 
         said = self.finding()
 
         self.assertIn("%s: has expired on 2025-01-01" % certificate, said)
         self.assertIn("zorb-trust renew", said)
         self.assertIn("expired", self.done("list", self.folder))
+
+    def test_finds_a_certificate_that_is_not_valid_yet(self):
+        certificate = self.certify("20360101000000Z", "20370101000000Z")
+
+        said = self.finding()
+
+        self.assertIn("%s: is not valid before 2036-01-01" % certificate, said)
+        self.assertIn("clock", said)
 
     def test_warns_before_a_certificate_expires(self):
         self.done("renew", self.folder, "gateway", "--days", "5")
@@ -321,19 +334,40 @@ class Check(WithAuthority):
         self.assertIn("<PermissionsCA> is missing", self.finding())
 
 
-class Clock(WithFolder):
-    def test_before_2020_is_told_of(self):
-        # The command asks Python for the time; a machine's clock cannot be set in a test.
-        program = (
-            "import sys, datetime; sys.path.insert(0, %r); from zorb_trust import dates, command_line;"
-            "dates.now = lambda: datetime.datetime(1970, 1, 1, tzinfo=datetime.timezone.utc);"
-            "sys.exit(command_line.main(['init', %r]))" % (str(COMMAND.parent), str(self.folder))
-        )
-        result = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True, check=False)
+def in_1970(*arguments):
+    """The command asks Python for the time; a machine's clock cannot be set in a test."""
+    program = (
+        "import sys, datetime; sys.path.insert(0, %r); from zorb_trust import dates, command_line;"
+        "dates.now = lambda: datetime.datetime(1970, 1, 1, tzinfo=datetime.timezone.utc);"
+        "sys.exit(command_line.main(%r))" % (str(COMMAND.parent), [str(one) for one in arguments])
+    )
+    return subprocess.run([sys.executable, "-c", program], capture_output=True, text=True, check=False)
+
+
+class ClockBefore2020(WithAuthority):
+    def test_keeps_everything_from_being_made(self):
+        self.add("gateway")
+        other = self.folder.parent / "other"
+        for arguments in (
+            ("init", other),
+            ("add", self.folder, "further", "--role", "host"),
+            ("renew", self.folder, "gateway"),
+            ("revoke", self.folder, "gateway"),
+        ):
+            with self.subTest(arguments[0]):
+                result = in_1970(*arguments)
+                self.assertEqual(result.returncode, 1)
+                self.assertIn("clock says 1970-01-01", result.stderr)
+        self.assertFalse(other.exists())
+        self.assertEqual(os.listdir(self.folder / "peers"), ["gateway"])
+
+    def test_is_what_check_names_on_a_device(self):
+        self.add("gateway")
+
+        result = in_1970("check", self.configuration("gateway"))
 
         self.assertEqual(result.returncode, 1)
-        self.assertIn("clock says 1970-01-01", result.stderr)
-        self.assertFalse(self.folder.exists())
+        self.assertIn("error: this machine's clock says 1970-01-01", result.stdout)
 
 
 if __name__ == "__main__":

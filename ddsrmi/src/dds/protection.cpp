@@ -3,8 +3,10 @@
 
 #include <dlfcn.h>
 
+#include <cstdlib>
 #include <ctime>
 #include <mutex>
+#include <string>
 
 #include "report.h"
 
@@ -22,6 +24,16 @@ bool clock_was_set()
 
 constexpr const char* clock_advice =
     "this machine's clock is before 2020, so certificates count as not yet valid: set the clock";
+
+/// The file that CYCLONEDDS_URI names, if it is one.
+std::string configuration_file()
+{
+    const std::string prefix = "file://";
+    const char* const variable = std::getenv("CYCLONEDDS_URI");
+    const std::string uri = variable == nullptr ? "" : variable;
+    const bool is_one_file = uri.compare(0, prefix.size(), prefix) == 0 && uri.find(',') == std::string::npos;
+    return is_one_file ? uri.substr(prefix.size()) : "FILE";
+}
 
 } // namespace
 
@@ -50,7 +62,7 @@ std::string advice_for_configuration()
 {
     if (!clock_was_set())
         return std::string("is CYCLONEDDS_URI right? And ") + clock_advice;
-    return "is CYCLONEDDS_URI right? With DDS Security, see: zorb-trust check FILE";
+    return "is CYCLONEDDS_URI right? With DDS Security, see: zorb-trust check " + configuration_file();
 }
 
 } // namespace org::opensplice::DDS_RMI
