@@ -397,6 +397,24 @@ TEST_F(StationCall, tells_a_failure_handler_of_the_exception_that_the_implementa
     EXPECT_EQ(outcome_of(0), "replied 0 replaced");
 }
 
+class UnawareHandler : public Station_raising_Reply_Handler
+{
+    void raising_Reply(DDS::Long /*given*/, DDS::String /*words*/) override {}
+};
+
+TEST_F(StationCall, says_on_standard_error_that_an_exception_came_to_a_handler_of_none)
+{
+    testing::internal::CaptureStderr();
+    proxy->async_raising(2, text(""), new UnawareHandler);
+    proxy->echo_mode(off); // replies come in order
+    proxy.reset();
+
+    EXPECT_THAT(
+        testing::internal::GetCapturedStderr(),
+        HasSubstr("have no handler of exceptions for 1 requests to service 'station': the implementation "
+                  "raised one"));
+}
+
 class ThrowingHook : public Station_raising_Reply_Handler, public rmi::CallFailureHandler
 {
 public:
