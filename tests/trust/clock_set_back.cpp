@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-// To be preloaded: the system clock of the process is 18 hours late. Its steady clock is not touched.
+// To be preloaded: the system clock of the process is late, by 18 hours or by SECONDS_SET_BACK. Its steady
+// clock is not touched.
 
 #include <dlfcn.h>
+#include <stdlib.h>
 #include <sys/time.h>
 #include <time.h>
 
 namespace {
 
-constexpr time_t delay = 18 * 60 * 60;
+time_t delay()
+{
+    const char* const seconds = ::getenv("SECONDS_SET_BACK");
+    return seconds == nullptr ? 18 * 60 * 60 : ::atol(seconds);
+}
 
 } // namespace
 
@@ -19,7 +25,7 @@ int clock_gettime(clockid_t clock, struct timespec* time) noexcept
     static const auto genuine = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "clock_gettime"));
     const int result = genuine(clock, time);
     if (clock == CLOCK_REALTIME && result == 0)
-        time->tv_sec -= delay;
+        time->tv_sec -= delay();
     return result;
 }
 

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -277,6 +278,15 @@ TEST_F(Roles, are_nobodys_while_a_file_is_missing_or_half_written_and_the_messag
     EXPECT_THAT(damage("identity.pem", 100), HasSubstr(advice));
     EXPECT_THAT(damage("permissions.p7s", 1000), HasSubstr(advice));
     EXPECT_THAT(damage("cyclonedds.xml", 300), HasSubstr(advice));
+}
+
+TEST_F(Roles, are_nobodys_while_the_clock_was_never_set)
+{
+    Environment unset = m_known.host;
+    unset["LD_PRELOAD"] = CLOCK_SET_BACK;
+    unset["SECONDS_SET_BACK"] = std::to_string(std::time(nullptr) - 60 * 60); // it is one o'clock, 1970
+
+    EXPECT_THAT(report_of_unbound_host(unset), HasSubstr("this machine's clock is before 2020"));
 }
 
 TEST_F(Roles, both_may_call_and_serve)
