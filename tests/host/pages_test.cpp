@@ -72,7 +72,7 @@ TEST(pages, host_page_names_no_option_that_is_unknown)
 {
     std::set<std::string> allowed = options_in(help());
     allowed.insert({"--json", "--wait", "--filter", "--unix-socket", "--oauth2-bearer", "--cacert", "--file",
-                    "--methods", "--preset", "--build", "--install", "--prefix"});
+                    "--methods", "--preset", "--build", "--install", "--prefix", "--now"});
 
     EXPECT_THAT(options_in(read_file(HOST_PAGE)), IsSubsetOf(allowed));
 }
