@@ -129,6 +129,17 @@ TEST_F(Handler, stays_unbound_when_the_service_comes_later)
     EXPECT_THAT(m_handler->GetMethods(), IsEmpty());
 }
 
+TEST_F(Handler, asks_once_more_whether_its_proxy_was_found_before_it_registers_methods)
+{
+    rmi_layer().found.reset();
+    making_a_handler();
+
+    const Events events = events_of([&] { build_interface(*m_handler); });
+
+    EXPECT_THAT(only({"output"}, events), ElementsAre("output: KX_DDS_RMI_PROXY isProxyFound0\n"));
+    EXPECT_THAT(m_handler->GetMethods(), IsEmpty());
+}
+
 TEST_F(Handler, is_another_one_each_time_with_a_lookup_of_its_own)
 {
     const Events events = making_a_handler();

@@ -26,6 +26,16 @@ const std::map<std::string, Member>& members()
     return by_name;
 }
 
+/// An explicit instantiation may name what is private.
+template <void (VarnelRPCHandler::*member)()>
+struct PrivateMember
+{
+    friend void call_private_member(VarnelRPCHandler& handler) { (handler.*member)(); }
+};
+
+void call_private_member(VarnelRPCHandler& handler);
+template struct PrivateMember<&VarnelRPCHandler::BuildInterface>;
+
 } // namespace
 
 Operations::Operations(Proxy* proxy) : m_interface(new VarnelInterface)
@@ -45,6 +55,11 @@ int Operations::run(const std::string& name, const zeb::api::data::KX_JSON& in, 
 std::unique_ptr<zeb::api::KX_RPCHandler> make_handler()
 {
     return std::unique_ptr<zeb::api::KX_RPCHandler>(RPCHandler());
+}
+
+void build_interface(zeb::api::KX_RPCHandler& handler)
+{
+    call_private_member(dynamic_cast<VarnelRPCHandler&>(handler));
 }
 
 void* new_interface()

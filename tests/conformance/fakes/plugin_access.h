@@ -38,6 +38,9 @@ private:
 /// What the plug-in's factory gives.
 std::unique_ptr<zeb::api::KX_RPCHandler> make_handler();
 
+/// Calls the private BuildInterface() of a handler that the factory has made.
+void build_interface(zeb::api::KX_RPCHandler& handler);
+
 /// A new VarnelInterface, to be deleted with delete_interface or otherwise through its own table.
 void* new_interface();
 void delete_interface(void* interface);
