@@ -19,6 +19,7 @@ To same_bits(From from)
 }
 
 constexpr unsigned bits_in_a_byte = 8;
+constexpr std::size_t usual_size = 128; // so that the memory need not grow byte by byte
 
 // Throws BAD_PARAM for more than can be counted in 32 bits, too.
 void require_within(std::size_t count, DDS::ULong bound, const char* what, const char* unit)
@@ -82,6 +83,8 @@ void Encoder::put_count(std::size_t count, DDS::ULong bound, const char* what)
 
 void Encoder::put_number(DDS::ULongLong value, std::size_t size)
 {
+    if (m_bytes.empty())
+        m_bytes.reserve(usual_size);
     for (std::size_t i = 0; i < size; ++i)
         m_bytes.push_back(static_cast<DDS::Octet>(value >> (i * bits_in_a_byte)));
 }

@@ -42,11 +42,11 @@ RequestChannel::RequestChannel(std::shared_ptr<Entity> participant, const Interf
       m_strays("dropped a reply of service '" + m_names.service + "' to a request that is not outstanding"),
       m_undecodable("dropped a reply of service '" + m_names.service + "' that cannot be decoded"),
       m_lost_calls(m_names.service), m_watch(std::move(watch)), m_patience(first_patience),
-      m_listener({[this] {
-                      m_replies_there = true;
+      m_listener({[this] { m_signal->raise(Signal::messages); },
+                  [this](dds_instance_handle_t) {
+                      m_reply_writers_changed = true;
                       m_signal->raise();
-                  },
-                  {}}),
+                  }}),
       m_reader(Partitioned::reader(*m_participant, create_reply_topic(*m_participant, interface_info), m_path,
                                    exchange_qos(), m_listener))
 {
@@ -152,17 +152,16 @@ void RequestChannel::send_and_wait(std::size_t operation, const std::vector<DDS:
 void RequestChannel::run()
 {
     try {
+        auto next = Clock::time_point::min();
         while (!m_closed) {
-            m_signal->wait_until(next_task());
-            m_watch.refresh();
-            take_replies();
+            const unsigned reasons = m_signal->wait_until(next);
+            if ((reasons & Signal::messages) != 0)
+                take_replies();
             const auto now = Clock::now();
-            give_up_the_overdue(now);
-            tend_links(now);
-            choose_server(now);
-            let_go_of_links(now);
-            publish_connection();
-            m_lost_calls.write_when_due(now);
+            if (reasons == Signal::messages && !m_needs_care && now < next)
+                continue; // nothing but results have come, as most of the time
+            take_care(now);
+            next = next_task();
         }
     } catch (...) {
         report_current_exception("the connection to service '" + m_names.service + "' is lost:");
@@ -173,6 +172,18 @@ void RequestChannel::run()
     m_connection = {};
     m_thread_id = std::thread::id();
     m_changed.notify_all();
+}
+
+void RequestChannel::take_care(Clock::time_point now)
+{
+    m_needs_care = false;
+    m_watch.refresh();
+    give_up_the_overdue(now);
+    tend_links(now);
+    choose_server(now);
+    let_go_of_links(now);
+    publish_connection();
+    m_lost_calls.write_when_due(now);
 }
 
 Clock::time_point RequestChannel::next_task()
@@ -191,8 +202,6 @@ Clock::time_point RequestChannel::next_task()
 
 void RequestChannel::take_replies()
 {
-    if (!m_replies_there.exchange(false))
-        return;
     take_all(m_reader.get(), [this](const void* sample, const dds_sample_info_t& info) {
         if (info.valid_data && !m_closed)
             take_in(*static_cast<const DDS_RMI_Reply*>(sample));
@@ -209,6 +218,8 @@ void RequestChannel::take_in(const DDS_RMI_Reply& reply)
         m_strays.count();
     else if (answers_a_call(static_cast<ReplyKind>(reply.kind)))
         deliver(*(*found)->session(), const_cast<DDS_RMI_Reply&>(reply)); // its texts are handed out as char*
+    else
+        m_needs_care = true;
 }
 
 void RequestChannel::deliver(ClientSession& session, DDS_RMI_Reply& reply)
@@ -276,6 +287,7 @@ void RequestChannel::give_up_the_overdue(Clock::time_point now)
 
 void RequestChannel::fail(const OutstandingRequest& request, CallFailure reason, const std::string& text)
 {
+    m_needs_care = true;
     if (reason != CallFailure::closed)
         m_lost_calls.count(reason);
     deactivate(*request.handler.get());
@@ -305,7 +317,10 @@ void RequestChannel::fail_all(const std::vector<OutstandingRequest>& requests, C
 
 void RequestChannel::tend_links(Clock::time_point now)
 {
+    const bool reply_writers_changed = m_reply_writers_changed.exchange(false);
     for (const Link& link : m_links) {
+        if (reply_writers_changed)
+            link->notice_reply_writers(now);
         link->tend(now);
         for (const auto& [requests, why] : link->take_losses())
             fail_all(requests, CallFailure::server_lost, why);

@@ -71,6 +71,7 @@ private:
     };
 
     void run();
+    void take_care(Clock::time_point now);
     Clock::time_point next_task();
     void take_replies();
     void take_in(const DDS_RMI_Reply& reply);
@@ -113,6 +114,7 @@ private:
     LostCallsReport m_lost_calls;
     ServiceWatch m_watch;
     std::vector<Link> m_links;
+    bool m_needs_care = true;                                       // more has come than results
     Link m_current;                                                 // where requests go, connected or not
     Link m_candidate;                                               // being connected
     Clock::time_point m_out_of_patience = Clock::time_point::max(); // with the candidate
@@ -127,7 +129,7 @@ private:
     std::thread m_thread;        // guarded by m_mutex
     std::thread::id m_thread_id; // guarded by m_mutex
 
-    std::atomic<bool> m_replies_there{false};
+    std::atomic<bool> m_reply_writers_changed{false};
     EntityListener m_listener;
     Partitioned m_reader; // last, so that nothing is heard once it goes
 };

@@ -17,8 +17,11 @@ namespace org::opensplice::DDS_RMI {
 
 namespace {
 
-// The first hello is likely to be lost, because the server's reader has not heard of the writer yet; but it
-// makes Cyclone introduce the writer. A later one finds the reader ready.
+// The server makes its reply writer when it has heard of the request writer; a hello before that is of no use.
+constexpr std::chrono::milliseconds patience_with_reply_writer{50};
+// A reader of Cyclone's takes nothing in before the writer's first heartbeat, for which it asks 10 ms after it
+// has heard of the writer. What is sent earlier may have to be sent again, and that takes 100 ms.
+constexpr std::chrono::milliseconds first_heartbeat_time{12};
 constexpr std::chrono::milliseconds first_hello_pause{2};
 constexpr std::chrono::milliseconds longest_hello_pause{500};
 
@@ -120,7 +123,13 @@ void ServerLink::check_match(Clock::time_point now)
     end_session("it has gone, or its host cannot be reached");
     m_next_hello = Clock::time_point::max();
     if (reader != 0)
-        begin_meeting(now);
+        begin_meeting(now + patience_with_reply_writer);
+}
+
+void ServerLink::notice_reply_writers(Clock::time_point now)
+{
+    if (m_next_hello != Clock::time_point::max())
+        m_next_hello = std::min(m_next_hello, now + first_heartbeat_time);
 }
 
 dds_instance_handle_t ServerLink::matched_reader() const
@@ -133,11 +142,11 @@ dds_instance_handle_t ServerLink::matched_reader() const
     return 0;
 }
 
-void ServerLink::begin_meeting(Clock::time_point now)
+void ServerLink::begin_meeting(Clock::time_point first_hello)
 {
     m_meeting = make_session_id();
     m_hello_pause = first_hello_pause;
-    m_next_hello = now;
+    m_next_hello = first_hello;
 }
 
 void ServerLink::say_hello()

@@ -33,10 +33,10 @@ struct ProxyNames
 /// One proxy's way to one server: a request writer in the server's partition, and the session that the two
 /// have.
 ///
-/// A session is begun when the writer has matched the server's reader: `hello` is repeated until `welcome`
-/// comes. It ends when one side says, or notices, that it has forgotten the other; then the next one is
-/// begun. Four times in a lease the server is asked whether it is there; when nothing is heard of it for a
-/// lease it is silent.
+/// A session is begun when the writer has matched the server's reader, and the server's reply writer has
+/// come: `hello` is repeated until `welcome` comes. It ends when one side says, or notices, that it has
+/// forgotten the other; then the next one is begun. Four times in a lease the server is asked whether it is
+/// there; when nothing is heard of it for a lease it is silent.
 ///
 /// All but the session belongs to the channel's thread.
 class ServerLink
@@ -62,6 +62,9 @@ public:
     /// Notices what has become of the match, says hello, and asks whether the server is there.
     void tend(Clock::time_point now);
 
+    /// To be called when a writer of replies has come: if it is the server's, the two can meet.
+    void notice_reply_writers(Clock::time_point now);
+
     /// Whether it is this link's server that speaks; takes in what it says of the session.
     bool take_in(const DDS_RMI_Reply& reply);
 
@@ -84,7 +87,7 @@ public:
 private:
     void check_match(Clock::time_point now);
     dds_instance_handle_t matched_reader() const;
-    void begin_meeting(Clock::time_point now);
+    void begin_meeting(Clock::time_point first_hello);
     void say_hello();
     void on_welcome(const DDS_RMI_Reply& reply);
     void compare_interfaces(const DDS_RMI_Definition& known_there);

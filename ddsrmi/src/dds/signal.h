@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 #include "clock.h"
 
@@ -14,32 +15,38 @@ namespace org::opensplice::DDS_RMI {
 class Signal
 {
 public:
+    /// Why the thread is woken: one of these, or several together.
+    enum Reason : unsigned {
+        change = 1,   ///< anything else
+        messages = 2, ///< the reader may have got some
+    };
+
     /// Any thread.
-    void raise()
+    void raise(Reason reason = change)
     {
         {
             const std::lock_guard lock(m_mutex);
-            m_raised = true;
+            m_raised |= reason;
         }
         m_changed.notify_one();
     }
 
-    /// Returns once it has been raised since the last return, or at the deadline.
-    void wait_until(Clock::time_point deadline)
+    /// Returns once it has been raised since the last return, or at the deadline. Gives all reasons since.
+    unsigned wait_until(Clock::time_point deadline)
     {
         std::unique_lock lock(m_mutex);
-        const auto is_raised = [this] { return m_raised; };
+        const auto is_raised = [this] { return m_raised != 0; };
         if (deadline == Clock::time_point::max())
             m_changed.wait(lock, is_raised);
         else
             m_changed.wait_until(lock, deadline, is_raised);
-        m_raised = false;
+        return std::exchange(m_raised, 0U);
     }
 
 private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    bool m_raised = false; // guarded by m_mutex
+    unsigned m_raised = 0; // guarded by m_mutex
 };
 
 } // namespace org::opensplice::DDS_RMI

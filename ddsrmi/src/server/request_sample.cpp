@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "server/request_sample.h"
 
+#include <algorithm>
 #include <cstring>
+#include <tuple>
 
 namespace org::opensplice::DDS_RMI {
 
@@ -24,10 +26,18 @@ void RequestSample::drop_arguments()
     arguments = {};
 }
 
-bool RequestSample::take(dds_entity_t reader)
+std::size_t RequestSample::take(dds_entity_t reader, Batch& into)
 {
-    void* sample = m_request;
-    return dds_take(reader, &sample, &m_info, 1, 1) > 0;
+    constexpr std::size_t batch = std::tuple_size<Batch>::value;
+    std::array<void*, batch> samples{};
+    std::array<dds_sample_info_t, batch> infos{};
+    for (std::size_t i = 0; i < batch; ++i)
+        samples[i] = into[i]->m_request;
+    const dds_return_t taken = dds_take(reader, samples.data(), infos.data(), batch, batch);
+    const auto count = static_cast<std::size_t>(std::max(taken, 0));
+    for (std::size_t i = 0; i < count; ++i)
+        into[i]->m_info = infos[i];
+    return count;
 }
 
 } // namespace org::opensplice::DDS_RMI

@@ -4,6 +4,10 @@
 
 #include <dds/dds.h>
 
+#include <array>
+#include <cstddef>
+#include <memory>
+
 #include "dds_rmi.h"
 
 namespace org::opensplice::DDS_RMI {
@@ -12,13 +16,15 @@ namespace org::opensplice::DDS_RMI {
 class RequestSample
 {
 public:
+    using Batch = std::array<std::unique_ptr<RequestSample>, 8>;
+
     RequestSample();
     ~RequestSample();
     RequestSample(const RequestSample&) = delete;
     RequestSample& operator=(const RequestSample&) = delete;
 
-    /// Takes one sample out of a reader of requests; false when there is none.
-    bool take(dds_entity_t reader);
+    /// Takes samples out of a reader of requests, into the first of these; gives how many.
+    static std::size_t take(dds_entity_t reader, Batch& into);
 
     /// Frees the arguments of what is not going to be run.
     void drop_arguments();

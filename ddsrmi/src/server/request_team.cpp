@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <condition_variable>
-#include <map>
 #include <mutex>
 #include <utility>
 
@@ -49,13 +48,19 @@ public:
 
     void work()
     {
+        Worker self{std::this_thread::get_id(), nullptr};
+        {
+            const std::lock_guard lock(m_mutex);
+            m_workers.push_back(&self);
+        }
         Queue queue;
         QueuedRequest request;
-        while (next(queue, request)) {
+        while (next(self, queue, request)) {
             run(*queue, std::move(request));
             queue.reset(); // what it holds goes before it is reported done
-            finish();
         }
+        const std::lock_guard lock(m_mutex);
+        m_workers.erase(std::find(m_workers.begin(), m_workers.end(), &self));
     }
 
     void forget(const void* owner)
@@ -65,7 +70,9 @@ public:
         for (const Queue& queue : m_line)
             if (queue->m_owner == owner)
                 dropped.push_back(std::exchange(queue->m_waiting, {}));
+        ++m_waiting_for_end;
         m_finished.wait(lock, [&] { return !runs_elsewhere(owner); });
+        --m_waiting_for_end;
     }
 
     void end()
@@ -78,6 +85,12 @@ public:
     }
 
 private:
+    struct Worker
+    {
+        std::thread::id thread;
+        const void* owner; // of what it is running; null when it is running nothing
+    };
+
     // Whether there is something more for a thread to do.
     bool put_in_line(const Queue& queue)
     {
@@ -88,9 +101,12 @@ private:
         return true;
     }
 
-    bool next(Queue& queue, QueuedRequest& request)
+    bool next(Worker& self, Queue& queue, QueuedRequest& request)
     {
         std::unique_lock lock(m_mutex);
+        self.owner = nullptr;
+        if (m_waiting_for_end > 0)
+            m_finished.notify_all();
         while (!m_ending) {
             if (m_line.empty()) {
                 ++m_idle;
@@ -101,19 +117,19 @@ private:
             queue = std::move(m_line.front());
             m_line.pop_front();
             queue->m_in_line = false;
-            if (begin_first_of(queue, request))
+            if (begin_first_of(self, queue, request))
                 return true;
         }
         return false;
     }
 
-    bool begin_first_of(const Queue& queue, QueuedRequest& request)
+    bool begin_first_of(Worker& self, const Queue& queue, QueuedRequest& request)
     {
         if (queue->m_paused || queue->m_waiting.empty())
             return false;
         request = std::move(queue->m_waiting.front());
         queue->m_waiting.pop_front();
-        m_running[std::this_thread::get_id()] = queue->m_owner;
+        self.owner = queue->m_owner;
         if (put_in_line(queue) && m_idle > 0)
             m_work.notify_one();
         return true;
@@ -128,19 +144,10 @@ private:
         }
     }
 
-    void finish()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_running.erase(std::this_thread::get_id());
-        }
-        m_finished.notify_all();
-    }
-
     bool runs_elsewhere(const void* owner) const
     {
-        return std::any_of(m_running.begin(), m_running.end(), [owner](const auto& running) {
-            return running.second == owner && running.first != std::this_thread::get_id();
+        return std::any_of(m_workers.begin(), m_workers.end(), [owner](const Worker* worker) {
+            return worker->owner == owner && worker->thread != std::this_thread::get_id();
         });
     }
 
@@ -148,8 +155,9 @@ private:
     std::condition_variable m_work;
     std::condition_variable m_finished;
     std::deque<Queue> m_line; // each has something waiting, or had
-    std::map<std::thread::id, const void*> m_running;
+    std::vector<const Worker*> m_workers;
     std::size_t m_idle = 0;
+    std::size_t m_waiting_for_end = 0;
     bool m_ending = false;
 };
 

@@ -86,15 +86,17 @@ ServedInterface::ServedInterface(std::shared_ptr<Entity> participant, std::share
       m_begun_anew("began the session of a client of service '" + name + "' anew"),
       m_out_of_session("dropped a message to service '" + name +
                        "' in a session that its client does not have"),
-      m_signal(std::make_shared<Signal>()), m_next_sample(std::make_unique<RequestSample>()),
-      m_watch(*m_participant, name, instance, m_signal), m_listener({[this] { take_in(); },
-                                                                     [this](dds_instance_handle_t) {
-                                                                         m_matches_changed = true;
-                                                                         m_signal->raise();
-                                                                     }})
+      m_signal(std::make_shared<Signal>()), m_watch(*m_participant, name, instance, m_signal),
+      m_listener({[this] { take_in(); },
+                  [this](dds_instance_handle_t) {
+                      m_matches_changed = true;
+                      m_signal->raise();
+                  }})
 {
     {
         const std::lock_guard intake(m_intake_mutex);
+        for (Sample& sample : m_next_samples)
+            sample = std::make_unique<RequestSample>();
         m_reader = make_reader(*m_participant, m_interface, m_path, m_announcement, m_listener);
     }
     m_control = std::thread([this] { control(); });
@@ -130,10 +132,14 @@ void ServedInterface::close(bool wait)
 void ServedInterface::take_in()
 {
     const std::lock_guard intake(m_intake_mutex);
-    while (!m_closed && m_next_sample->take(m_reader.get())) {
-        Sample taken = std::exchange(m_next_sample, std::make_unique<RequestSample>());
-        if (taken->is_valid())
-            take_in(std::move(taken));
+    std::size_t taken = m_next_samples.size();
+    while (!m_closed && taken == m_next_samples.size()) {
+        taken = RequestSample::take(m_reader.get(), m_next_samples);
+        for (std::size_t i = 0; i < taken; ++i) {
+            Sample sample = std::exchange(m_next_samples[i], std::make_unique<RequestSample>());
+            if (sample->is_valid())
+                take_in(std::move(sample));
+        }
     }
 }
 
@@ -144,11 +150,12 @@ void ServedInterface::take_in(Sample sample)
         m_misdirected.count();
         return;
     }
+    const auto now = Clock::now();
     const Session session = session_of(*sample);
     if (session != nullptr)
-        session->heard(Clock::now());
+        session->heard(now);
     if (session != nullptr && static_cast<RequestKind>(request.kind) == RequestKind::call)
-        take_in_call(session, std::move(sample));
+        take_in_call(session, std::move(sample), now);
     else
         leave_to_control(std::move(sample));
 }
@@ -160,7 +167,7 @@ ServedInterface::Session ServedInterface::session_of(const RequestSample& sample
     return found != m_sessions.end() && found->second->client() == sample.writer() ? found->second : nullptr;
 }
 
-void ServedInterface::take_in_call(const Session& session, Sample sample)
+void ServedInterface::take_in_call(const Session& session, Sample sample, Clock::time_point now)
 {
     bool should_tell = false;
     if (!session->admit(sample->request(), should_tell)) {
@@ -175,7 +182,7 @@ void ServedInterface::take_in_call(const Session& session, Sample sample)
         }
         m_signal->raise();
     }
-    const auto deadline = Clock::now() + std::chrono::milliseconds(sample->request().patience_ms);
+    const auto deadline = now + std::chrono::milliseconds(sample->request().patience_ms);
     m_team->add(session, {std::move(sample), deadline});
 }
 
@@ -209,7 +216,7 @@ void ServedInterface::control()
                 to_tell.swap(m_to_tell);
             }
             watch_for_successor();
-            forget_the_gone();
+            follow_matches();
             for (const Sample& sample : samples)
                 answer(*sample);
             for (const Session& session : to_tell)
@@ -334,7 +341,8 @@ void ServedInterface::end_session(Client& client)
     session->end();
 }
 
-void ServedInterface::forget_the_gone()
+// A client says hello when it has heard of its reply writer, so that is made before.
+void ServedInterface::follow_matches()
 {
     if (!m_matches_changed.exchange(false))
         return;
@@ -347,6 +355,8 @@ void ServedInterface::forget_the_gone()
             client = m_clients.erase(client);
         }
     }
+    for (const dds_instance_handle_t writer : matched)
+        client_of(writer);
 }
 
 // A client that is not heard of for a lease may be dead: nothing of it is run until it is heard of again. Nor

@@ -64,7 +64,7 @@ private:
     // On Cyclone's threads.
     void take_in();
     void take_in(Sample sample);
-    void take_in_call(const Session& session, Sample sample);
+    void take_in_call(const Session& session, Sample sample, Clock::time_point now);
     Session session_of(const RequestSample& sample);
     void leave_to_control(Sample sample);
 
@@ -78,7 +78,7 @@ private:
     void report_differences(const DDS_RMI_Introduction& introduction);
     bool is_for_me(const DDS_RMI_Request& hello) const;
     void end_session(Client& client);
-    void forget_the_gone();
+    void follow_matches();
     void tend_clients(Clock::time_point now);
     bool feed_the_starved();
     void watch_for_successor();
@@ -98,8 +98,8 @@ private:
     std::atomic<bool> m_closed{false};
     std::atomic<bool> m_matches_changed{false};
 
-    std::mutex m_intake_mutex; // keeps what is taken in its order; taken before m_mutex
-    Sample m_next_sample;      // guarded by m_intake_mutex
+    std::mutex m_intake_mutex;           // keeps what is taken in its order; taken before m_mutex
+    RequestSample::Batch m_next_samples; // guarded by m_intake_mutex
 
     std::mutex m_mutex;
     std::unordered_map<std::uint64_t, Session> m_sessions; // by their ids; guarded by m_mutex
