@@ -97,11 +97,14 @@ void EventFeed::run()
     std::unique_lock<std::mutex> lock(m_mutex);
     std::uint64_t told = m_ring.latest();
     while (!m_is_closed) {
-        const auto has_news = [&] { return m_is_closed || (told != m_ring.latest() && !m_sleeping.empty()); };
+        const auto has_news = [&] {
+            return m_is_closed || ((m_has_unread || told != m_ring.latest()) && !m_sleeping.empty());
+        };
         if (m_listener_count == 0)
             wait_for_listener(lock);
         const bool all = m_changed.wait_for(lock, m_limits.heartbeat / 10, has_news);
         told = m_ring.latest();
+        m_has_unread = m_has_unread && !all;
         wake_sleepers(lock, all);
         if (all)
             m_changed.wait_for(lock, gather_time, [this] { return m_is_closed; });
@@ -168,6 +171,8 @@ bool EventFeed::Listener::fetch()
         m_text = std::string();
     m_text.clear();
     m_sent = 0;
+    if (m_is_up_to_date) // what has come since is read together with what comes soon
+        return true;
     std::vector<std::shared_ptr<const Event>> events;
     {
         const std::lock_guard<std::mutex> lock(m_feed.m_mutex);
@@ -179,6 +184,7 @@ bool EventFeed::Listener::fetch()
         m_next = std::max(m_next, ring.oldest());
         events = ring.read(m_next, batch, batch_bytes);
         m_next += events.size();
+        m_is_up_to_date = m_next > ring.latest();
     }
     for (const auto& event : events)
         m_text += to_event_stream(*event);
@@ -188,9 +194,15 @@ bool EventFeed::Listener::fetch()
 bool EventFeed::Listener::sleep()
 {
     const std::lock_guard<std::mutex> lock(m_feed.m_mutex);
-    if (m_feed.m_is_closed || m_next <= m_feed.m_ring.latest())
+    m_is_up_to_date = false;
+    const std::uint64_t unread = m_feed.m_ring.latest() + 1 - m_next;
+    if (m_feed.m_is_closed || unread >= batch)
         return false;
     m_feed.m_sleeping.push_back(this);
+    if (unread > 0) {
+        m_feed.m_has_unread = true;
+        m_feed.m_changed.notify_all();
+    }
     return true;
 }
 

@@ -71,6 +71,7 @@ private:
     std::condition_variable m_changed;
     EventRing m_ring;                  ///< guarded by m_mutex
     std::vector<Listener*> m_sleeping; ///< guarded by m_mutex
+    bool m_has_unread = false;         ///< by one that sleeps; guarded by m_mutex
     bool m_is_closed = false;          ///< guarded by m_mutex
     std::thread m_pump;
 };
@@ -90,7 +91,7 @@ public:
     /// caller is to prepare for being woken and to call sleep().
     State read(char* buffer, std::size_t& size);
 
-    /// Asks to be woken. False when there is something to read already: then nobody will wake it.
+    /// Asks to be woken. False when there is much to read already: then nobody will wake it.
     bool sleep();
 
 private:
@@ -105,6 +106,7 @@ private:
     EventFeed& m_feed;
     const std::function<void()> m_wake;
     std::uint64_t m_next;               ///< the id of the next event to read
+    bool m_is_up_to_date = false;       ///< has read all that there was, and not slept since
     std::string m_text;                 ///< to be sent
     std::size_t m_sent = 0;             ///< of m_text
     Clock::time_point m_next_heartbeat; ///< while it sleeps, guarded by the feed's mutex
