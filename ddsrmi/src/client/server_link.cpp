@@ -17,10 +17,11 @@ namespace org::opensplice::DDS_RMI {
 
 namespace {
 
-// The server makes its reply writer when it has heard of the request writer; a hello before that is of no use.
+// The server makes its reply writer when it has heard of the request writer; a hello before that is of no
+// use.
 constexpr std::chrono::milliseconds patience_with_reply_writer{50};
-// A reader of Cyclone's takes nothing in before the writer's first heartbeat, for which it asks 10 ms after it
-// has heard of the writer. What is sent earlier may have to be sent again, and that takes 100 ms.
+// A reader of Cyclone's takes nothing in before the writer's first heartbeat, for which it asks 10 ms after
+// it has heard of the writer. What is sent earlier may have to be sent again, and that takes 100 ms.
 constexpr std::chrono::milliseconds first_heartbeat_time{12};
 constexpr std::chrono::milliseconds first_hello_pause{2};
 constexpr std::chrono::milliseconds longest_hello_pause{500};

@@ -16,7 +16,8 @@ namespace org::opensplice::DDS_RMI {
 template <class Use>
 void take_all(dds_entity_t reader, Use use)
 {
-    constexpr std::size_t batch = 4; // returning a loan costs something for each sample that there is room for
+    constexpr std::size_t batch =
+        4; // returning a loan costs something for each sample that there is room for
     struct Loan
     {
         dds_entity_t reader;
