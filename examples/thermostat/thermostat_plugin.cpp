@@ -62,7 +62,7 @@ public:
     {
         if (!isBound())
             return;
-        remote().setTimeout(5000); // milliseconds for each call
+        remote().setTimeout(30000); // milliseconds for each call
         add("thermostat_rooms", &ThermostatPlugin::rooms);
         add("thermostat_measure", &ThermostatPlugin::measure);
         add("thermostat_set_target", &ThermostatPlugin::set_target);

@@ -42,7 +42,15 @@ cmake() {
     fi
 }
 
+# Without the front end of the generator, CMake names its package.
+names_the_missing_generator() {
+    local said
+    ! said=$(command cmake -DCMAKE_FIND_USE_SYSTEM_ENVIRONMENT_PATH=OFF -DCMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF \
+        -P "$installed/share/zorb/cmake/RmiInterfaceLibrary.cmake" 2>&1) && [[ $said == *"apt-get install omniidl"* ]]
+}
+
 shows_the_example "$folder"
+names_the_missing_generator
 
 # A client of the sensor network.
 or_show cmake -B "$folder/client" -S tests/install/network_client
