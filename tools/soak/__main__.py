@@ -11,6 +11,7 @@ from programs import Failure, Programs, Unavailable
 
 RESULTS = {True: 'pass', False: 'FAIL', None: 'left out'}
 LEFT_OUT = 77
+LEAST_SCALE_WITH_TIME_LIMITS = 0.1
 
 
 def parse(arguments):
@@ -74,7 +75,8 @@ def main():
         return 2
     if options.check:
         return 0
-    setting = Setting(Programs(options.bin, options.lib), options.scale, not options.no_time_limits, show_progress)
+    times_count = options.scale >= LEAST_SCALE_WITH_TIME_LIMITS and not options.no_time_limits
+    setting = Setting(Programs(options.bin, options.lib), options.scale, times_count, show_progress)
     setting.programs.lease = setting.silence
     results = {name: run(name, setting) for name in options.trials or trials.ALL}
     print_table(results)
