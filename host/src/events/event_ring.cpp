@@ -31,7 +31,8 @@ std::vector<std::shared_ptr<const Event>> EventRing::read(std::uint64_t from, st
 {
     std::vector<std::shared_ptr<const Event>> events;
     std::size_t taken = 0;
-    for (std::size_t i = from - oldest(); i < m_events.size() && events.size() < count; ++i) {
+    for (auto i = static_cast<std::size_t>(from - oldest()); i < m_events.size() && events.size() < count;
+         ++i) {
         taken += size_of(*m_events[i]);
         if (taken > bytes && !events.empty())
             break;
