@@ -2,18 +2,19 @@
 # shellcheck shell=bash
 # Configures and builds a preset of CMakePresets.json in build/<preset>. To be sourced, with messages.sh.
 
-use_ccache() {
-    if command -v ccache >/dev/null; then
-        export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
-    fi
+# with_ccache <command...>: a command that sets up a build, which then compiles with ccache where that is installed. Only
+# that command is told: what the tests of an installation build on a bare system has no ccache.
+with_ccache() {
+    local launcher=()
+    ! command -v ccache >/dev/null || launcher=(CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    env "${launcher[@]}" "$@"
 }
 
 # configure <preset> [cmake option...]: quiet unless it fails.
 configure() {
     local preset=$1 log="build/$1/configure.log"
     mkdir -p "build/$preset"
-    use_ccache
-    if ! cmake --preset "$@" >"$log" 2>&1; then
+    if ! with_ccache cmake --preset "$@" >"$log" 2>&1; then
         cat "$log" >&2
         complain "cannot configure the preset '$preset'; the report above is also in $log"
         return 1
