@@ -26,7 +26,8 @@ if ! { cmake -G Ninja -S "$copy" -B "$copy/other" "${options[@]}" -DVARNEL_TESTS
     exit 1
 fi
 
-install_to() { cmake --install "$1" --prefix "$2" >/dev/null; }
+# With the same prefix, which the services' files name.
+install_to() { DESTDIR=$2 cmake --install "$1" --prefix /usr >/dev/null; }
 install_to "$build" "$folder/one"
 install_to "$copy/other" "$folder/other"
 
