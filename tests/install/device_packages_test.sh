@@ -17,7 +17,7 @@ cp "$made"/*.deb "$folder/packages/"
 extract_packages armhf "$folder/root" varnelrpc zorbd varnelde -- "deb [trusted=yes] copy:$folder/packages ./"
 make_relative "$folder/root"
 
-for name in zorbd varnelde; do
+for name in zorbd zorbctl varnelde; do
     printf '#!/bin/sh\nexec qemu-arm -L "%s" "%s" "$@"\n' "$folder/root" "$folder/root/usr/bin/$name" \
         >"$folder/programs/bin/$name"
     chmod +x "$folder/programs/bin/$name"
